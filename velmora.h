@@ -7,3 +7,16 @@
 #include <velmora/foundation/TWLFile.h>
 #include <velmora/foundation/TWLVariant.h>
 #include <velmora/foundation/VelmoraException.h>
+
+// Object frame
+#include <velmora/datasource/sax/CValueHandler.h>
+#include <velmora/foundation/CDataObject.h>
+#include <velmora/foundation/CDataObjectPtr.h>
+#include <velmora/foundation/CIdentifierCollection.h>
+#include <velmora/foundation/CSerializable.h>
+#include <velmora/foundation/CSerializableData.h>
+#include <velmora/foundation/Family.h>
+#include <velmora/foundation/ObjectTypes.h>
+
+// Measures
+#include <velmora/measures/Units.h>

@@ -2,12 +2,10 @@
 # and the pkg-config file. Headers ending in _p.h are private to the build.
 include(CMakePackageConfigHelpers)
 
-foreach(dir ${VELMORA_SUBSYSTEMS} dialogs)
-  install(DIRECTORY ${CMAKE_SOURCE_DIR}/${dir}/
-          DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/velmora/${dir}
-          FILES_MATCHING PATTERN "*.h" PATTERN "*_p.h" EXCLUDE
-          PATTERN "datumshifts" EXCLUDE PATTERN "mathtransforms" EXCLUDE
-          PATTERN "sax" EXCLUDE PATTERN "import" EXCLUDE)
+foreach(dir foundation measures refsys projections vertical transforms datasource dialogs)
+  install(DIRECTORY ${CMAKE_SOURCE_DIR}/${dir}
+          DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/velmora
+          FILES_MATCHING PATTERN "*.h" PATTERN "*_p.h" EXCLUDE)
 endforeach()
 install(FILES ${CMAKE_SOURCE_DIR}/velmora.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/velmora)
 
