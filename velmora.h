@@ -20,3 +20,5 @@
 
 // Measures
 #include <velmora/measures/Units.h>
+#include <velmora/measures/Values.h>
+#include <velmora/foundation/Constants.h>
