@@ -22,3 +22,4 @@
 #include <velmora/measures/Units.h>
 #include <velmora/measures/Values.h>
 #include <velmora/foundation/Constants.h>
+#include <velmora/measures/CoordPoints.h>

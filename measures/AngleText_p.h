@@ -23,3 +23,13 @@ private:
 };
 
 } // namespace Velmora::ML
+
+namespace Velmora::ML {
+// Stand-in Georef readers until the engine lands.
+inline void GeorefToLonLat(CString const &, double & lon, double & lat)
+{
+  lon = 0.0;
+  lat = 0.0;
+}
+inline CString LonLatToGeoref(double, double) { return CString(); }
+} // namespace Velmora::ML
