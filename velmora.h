@@ -23,3 +23,8 @@
 #include <velmora/measures/Values.h>
 #include <velmora/foundation/Constants.h>
 #include <velmora/measures/CoordPoints.h>
+#include <velmora/measures/CoordPointCollection.h>
+#include <velmora/measures/Envelope.h>
+
+// Data source
+#include <velmora/datasource/CDataSource.h>

@@ -56,6 +56,8 @@ public:
 
   // The internal value of one axis from a number in that axis's units.
   double ToInternal(int axis, double inUnits) const;
+  // Exact equality of kind and every field.
+  bool Equals(CCoordPointData const & other) const { return GetType() == other.GetType() && SameFields(other); }
 
 protected:
   CCoordPointData() = default;
