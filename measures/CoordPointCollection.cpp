@@ -28,14 +28,14 @@ CCoordPointCollection::CCoordPointCollection(CCoordPoint const & style)
   if (!KnownType(style))
     throw CVelmoraException(CVelmoraException::kClassNotSupported, "CCoordPointCollection::CCoordPointCollection",
                             kUnknownPoint);
-  m_style.reset(CCoordPointFactory::CreatePoint(style, style.GetDimensions()));
+  SetPointStyle(style);
 }
 
 CCoordPointCollection::CCoordPointCollection(CCoordPointCollection const & other)
   : m_xyz(other.m_xyz), m_names(other.m_names), m_locations(other.m_locations)
 {
   if (other.m_style)
-    m_style.reset(CCoordPointFactory::CreatePoint(*other.m_style, other.m_style->GetDimensions()));
+    SetPointStyle(*other.m_style);
 }
 
 CCoordPointCollection & CCoordPointCollection::operator=(CCoordPointCollection const & other)
@@ -43,6 +43,7 @@ CCoordPointCollection & CCoordPointCollection::operator=(CCoordPointCollection c
   if (&other != this) {
     CCoordPointCollection copy(other);
     std::swap(m_style, copy.m_style);
+    m_normal = copy.m_normal;
     m_xyz.swap(copy.m_xyz);
     m_names.swap(copy.m_names);
     m_locations.swap(copy.m_locations);
@@ -69,11 +70,7 @@ bool CCoordPointCollection::operator==(CCoordPointCollection const & other) cons
 void CCoordPointCollection::SetPointStyle(CCoordPoint const & style)
 {
   m_style.reset(CCoordPointFactory::CreatePoint(style, style.GetDimensions()));
-}
-
-bool CCoordPointCollection::IsNormalPoint() const
-{
-  return !m_style || m_style->PointData().GetStringFormatValue() == 0;
+  m_normal = m_style->PointData().GetStringFormatValue() == 0;
 }
 
 void CCoordPointCollection::SetText(std::vector<QString> & texts, long index, long count, QString const & text)

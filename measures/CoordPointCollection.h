@@ -25,9 +25,11 @@ public:
   CCoordPoint const * GetPointStyle() const { return m_style.get(); }
   CCoordPoint * GetPointStyle() { return m_style.get(); }
   // False for a geodetic or projected style in a text format.
-  bool IsNormalPoint() const;
+  bool IsNormalPoint() const { return m_normal; }
 
   long Count() const { return static_cast<long>(m_xyz.size() / 3); }
+  // Room for this many records, for callers that know how many will come.
+  void Reserve(long count) { m_xyz.reserve(static_cast<size_t>(count) * 3); }
   void AddPoint(CCoordPoint const & point);
   void AddInternals(double x, double y, double z);
   void AddInUnits(double x, double y, double z);
@@ -59,6 +61,8 @@ private:
   static void SetText(std::vector<QString> & texts, long index, long count, QString const & text);
 
   std::unique_ptr<CCoordPoint> m_style;
+  // Whether the style keeps numbers: asked on every access, fixed with the style.
+  bool m_normal = true;
   std::vector<double> m_xyz;
   // Names and location texts are rare: empty until the first one is given,
   // then one per record.
