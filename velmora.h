@@ -7,3 +7,9 @@
 #include <velmora/foundation/TWLFile.h>
 #include <velmora/foundation/TWLVariant.h>
 #include <velmora/foundation/VelmoraException.h>
+
+// Measures
+#include <velmora/measures/BPoint.h>
+
+// Reference frames
+#include <velmora/refsys/BEllipsoid.h>
