@@ -2,29 +2,32 @@
 // Velmora: every public header of the library, in one include.
 
 // Foundation
-#include <velmora/foundation/CString.h>
-#include <velmora/foundation/Startup.h>
-#include <velmora/foundation/TWLFile.h>
-#include <velmora/foundation/TWLVariant.h>
-#include <velmora/foundation/VelmoraException.h>
-
-// Object frame
-#include <velmora/datasource/sax/CValueHandler.h>
 #include <velmora/foundation/CDataObject.h>
 #include <velmora/foundation/CDataObjectPtr.h>
 #include <velmora/foundation/CIdentifierCollection.h>
 #include <velmora/foundation/CSerializable.h>
 #include <velmora/foundation/CSerializableData.h>
+#include <velmora/foundation/CString.h>
+#include <velmora/foundation/Constants.h>
 #include <velmora/foundation/Family.h>
 #include <velmora/foundation/ObjectTypes.h>
+#include <velmora/foundation/Startup.h>
+#include <velmora/foundation/TWLFile.h>
+#include <velmora/foundation/TWLVariant.h>
+#include <velmora/foundation/VelmoraException.h>
 
 // Measures
+#include <velmora/measures/BPoint.h>
+#include <velmora/measures/CoordPointCollection.h>
+#include <velmora/measures/CoordPoints.h>
+#include <velmora/measures/Envelope.h>
 #include <velmora/measures/Units.h>
 #include <velmora/measures/Values.h>
-#include <velmora/foundation/Constants.h>
-#include <velmora/measures/CoordPoints.h>
-#include <velmora/measures/CoordPointCollection.h>
-#include <velmora/measures/Envelope.h>
+
+// Reference frames
+#include <velmora/refsys/BEllipsoid.h>
+#include <velmora/refsys/PrimeMeridian.h>
 
 // Data source
 #include <velmora/datasource/CDataSource.h>
+#include <velmora/datasource/sax/CValueHandler.h>
