@@ -2,16 +2,18 @@
 // The fixed numbers of the ellipsoid's geodesy, in one place. Several are
 // established behaviour that results depend on, not tuning knobs.
 
+#include <velmora/foundation/Constants.h>
+
 namespace Velmora::CS::Geodesy {
 
-inline constexpr double kPi = 3.14159265358979323846;
-inline constexpr double kHalfPi = kPi / 2.0;
-inline constexpr double kQuarterPi = kPi / 4.0;
-inline constexpr double kTwoPi = 2.0 * kPi;
+using Constants::kHalfPi;
+using Constants::kPi;
+using Constants::kQuarterPi;
+using Constants::kTwoPi;
 inline constexpr double kThreeHalvesPi = 1.5 * kPi;
 
 // Radians per degree; degrees come in and go out by this one factor.
-inline constexpr double kDegree = 0.017453292519943295;
+inline constexpr double kDegree = Constants::kRadiansPerDegree;
 
 // Inverse flattening that marks a sphere.
 inline constexpr double kSphereInverseFlattening = 1e32;
