@@ -26,6 +26,8 @@
 
 // Reference frames
 #include <velmora/refsys/BEllipsoid.h>
+#include <velmora/refsys/Ellipsoid.h>
+#include <velmora/refsys/HorizontalDatum.h>
 #include <velmora/refsys/PrimeMeridian.h>
 
 // Data source
