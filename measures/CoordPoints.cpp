@@ -2,7 +2,7 @@
 
 #include <velmora/datasource/SourceLookup_p.h>
 #include <velmora/foundation/VelmoraException.h>
-#include <velmora/measures/AngleText_p.h>
+#include <velmora/measures/Georef_p.h>
 
 namespace Velmora::ML {
 
