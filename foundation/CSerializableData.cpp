@@ -88,6 +88,12 @@ eNearlyEqualBaseResult CSerializableData::IsNearlyEqualBase(CSerializableData co
   return IsNearlyEqualBase(other, ignored);
 }
 
+bool CSerializableData::EPSGOnOneSideOnly(CSerializableData const & other) const
+{
+  CString const epsg("EPSG");
+  return m_identifiers.Exists(epsg) != other.m_identifiers.Exists(epsg);
+}
+
 bool CSerializableData::operator==(CSerializableData const & other) const
 {
   return m_objectType == other.m_objectType && m_name == other.m_name && m_remarks == other.m_remarks &&

@@ -43,6 +43,9 @@ public:
   eNearlyEqualBaseResult IsNearlyEqualBase(CSerializableData const & other, CString & why) const;
   eNearlyEqualBaseResult IsNearlyEqualBase(CSerializableData const & other) const;
 
+  // Exactly one of the two carries an "EPSG" code: they cannot be the same definition.
+  bool EPSGOnOneSideOnly(CSerializableData const & other) const;
+
   bool operator==(CSerializableData const & other) const;
   bool operator!=(CSerializableData const & other) const { return !(*this == other); }
 

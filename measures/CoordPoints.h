@@ -274,12 +274,31 @@ private:
   CCoordPointData & GetCoordPointData() override { return this->MutableBody(); }
 };
 
-class VELMORA_API CGeodeticPoint : public TPointHandle<CGeodeticPointData>
+// Geodetic and projected handles may keep their location as text.
+template <class Data, class FormatOption>
+class TTextPointHandle : public TPointHandle<Data>
 {
 public:
-  enum FormatOption { kNone = 0, kGeoref = 1 };
+  using TPointHandle<Data>::TPointHandle;
 
-  using TPointHandle::TPointHandle;
+  FormatOption GetStringFormat() const { return static_cast<FormatOption>(this->Body().GetStringFormat()); }
+  void SetStringFormat(FormatOption format) { this->MutableBody().SetStringFormat(format); }
+  CString GetLocationString() const { return this->Body().GetLocationString(); }
+  void SetLocationString(unsigned short const * text) { this->MutableBody().SetLocationString(text); }
+  void SetLocationString(CString const & text) { this->MutableBody().SetLocationString(text); }
+};
+
+enum EGeodeticFormatOption { kGeodeticFormatNone = 0, kGeodeticFormatGeoref = 1 };
+enum EProjectedFormatOption { kProjectedFormatNone = 0, kProjectedFormatMGRS = 1, kProjectedFormatUSNG = 2 };
+
+class VELMORA_API CGeodeticPoint : public TTextPointHandle<CGeodeticPointData, EGeodeticFormatOption>
+{
+public:
+  using FormatOption = EGeodeticFormatOption;
+  static constexpr FormatOption kNone = kGeodeticFormatNone;
+  static constexpr FormatOption kGeoref = kGeodeticFormatGeoref;
+
+  using TTextPointHandle::TTextPointHandle;
   CGeodeticPoint(FormatOption format, unsigned short const * text);
   using TPointHandle::operator=;
   using CCoordPoint::operator=;
@@ -291,23 +310,20 @@ public:
   CLinearValue const & GetHgt() const { return Body().m_hgt; }
   CLinearValue & GetHgt() { return MutableBody().m_hgt; }
 
-  FormatOption GetStringFormat() const { return static_cast<FormatOption>(Body().GetStringFormat()); }
-  void SetStringFormat(FormatOption format) { MutableBody().SetStringFormat(format); }
-  CString GetLocationString() const { return Body().GetLocationString(); }
-  void SetLocationString(unsigned short const * text) { MutableBody().SetLocationString(text); }
-  void SetLocationString(CString const & text) { MutableBody().SetLocationString(text); }
-
 private:
   friend class DB::CDataSource;
-  explicit CGeodeticPoint(CGeodeticPointData const & body) : TPointHandle(body) {}
+  explicit CGeodeticPoint(CGeodeticPointData const & body) : TTextPointHandle(body) {}
 };
 
-class VELMORA_API CProjectedPoint : public TPointHandle<CProjectedPointData>
+class VELMORA_API CProjectedPoint : public TTextPointHandle<CProjectedPointData, EProjectedFormatOption>
 {
 public:
-  enum FormatOption { kNone = 0, kMGRS = 1, kUSNG = 2 };
+  using FormatOption = EProjectedFormatOption;
+  static constexpr FormatOption kNone = kProjectedFormatNone;
+  static constexpr FormatOption kMGRS = kProjectedFormatMGRS;
+  static constexpr FormatOption kUSNG = kProjectedFormatUSNG;
 
-  using TPointHandle::TPointHandle;
+  using TTextPointHandle::TTextPointHandle;
   CProjectedPoint(FormatOption format, unsigned short const * text);
   using TPointHandle::operator=;
   using CCoordPoint::operator=;
@@ -319,15 +335,9 @@ public:
   CLinearValue const & GetHgt() const { return Body().m_hgt; }
   CLinearValue & GetHgt() { return MutableBody().m_hgt; }
 
-  FormatOption GetStringFormat() const { return static_cast<FormatOption>(Body().GetStringFormat()); }
-  void SetStringFormat(FormatOption format) { MutableBody().SetStringFormat(format); }
-  CString GetLocationString() const { return Body().GetLocationString(); }
-  void SetLocationString(unsigned short const * text) { MutableBody().SetLocationString(text); }
-  void SetLocationString(CString const & text) { MutableBody().SetLocationString(text); }
-
 private:
   friend class DB::CDataSource;
-  explicit CProjectedPoint(CProjectedPointData const & body) : TPointHandle(body) {}
+  explicit CProjectedPoint(CProjectedPointData const & body) : TTextPointHandle(body) {}
 };
 
 class VELMORA_API CCartesianPoint : public TPointHandle<CCartesianPointData>

@@ -91,7 +91,7 @@ bool CEnvelopeData::IsNearlyEqual(CEnvelopeData const & other, CString & why) co
   auto const base = IsNearlyEqualBase(other, why);
   if (base != kNearlyEqualBaseUndecided)
     return base == kNearlyEqualBaseSame;
-  if (GetIdentifiers().Exists("EPSG") != other.GetIdentifiers().Exists("EPSG")) {
+  if (EPSGOnOneSideOnly(other)) {
     why += CString(": EPSG code exists for one horizontal datum but not the other");
     return false;
   }

@@ -20,7 +20,7 @@ bool CHorizontalDatumData::IsNearlyEqual(CHorizontalDatumData const & other, CSt
   auto const base = IsNearlyEqualBase(other, why);
   if (base != kNearlyEqualBaseUndecided)
     return base == kNearlyEqualBaseSame;
-  if (GetIdentifiers().Exists("EPSG") != other.GetIdentifiers().Exists("EPSG")) {
+  if (EPSGOnOneSideOnly(other)) {
     why += CString(": EPSG code exists for one horizontal datum but not the other");
     return false;
   }

@@ -7,6 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/TestSupport.h"
+
+using namespace VelmoraTest;
 using namespace Velmora;
 using EX::CVelmoraException;
 using ML::CLinearUnit;
@@ -16,17 +19,6 @@ using ML::CLinearUnitDataDB;
 
 namespace {
 
-template <class F>
-CVelmoraException Raised(F && f)
-{
-  try {
-    f();
-  } catch (CVelmoraException const & e) {
-    return e;
-  }
-  ADD_FAILURE() << "nothing raised";
-  return CVelmoraException();
-}
 
 CLinearUnitDataDB * StoredFoot()
 {

@@ -3,45 +3,16 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/TestSupport.h"
+
 #include <functional>
 #include <memory>
 
+using namespace VelmoraTest;
 using namespace Velmora;
 using namespace Velmora::ML;
 using EX::CVelmoraException;
 
-namespace {
-struct FailureRow
-{
-  char const * what;
-  std::function<void()> call;
-  int code;
-  char const * location;
-  char const * details;
-};
-
-void ExpectRows(std::vector<FailureRow> const & rows)
-{
-  for (auto const & row : rows) {
-    try {
-      row.call();
-      ADD_FAILURE() << row.what << ": nothing raised";
-    } catch (CVelmoraException const & e) {
-      EXPECT_EQ(e.GetErrorCode(), row.code) << row.what;
-      EXPECT_EQ(e.GetLocation(), CString(row.location)) << row.what;
-      EXPECT_EQ(e.GetDetails(), CString(row.details)) << row.what;
-    }
-  }
-}
-
-std::basic_string<unsigned short> Wide(char const * text)
-{
-  std::basic_string<unsigned short> out;
-  for (; *text; ++text)
-    out.push_back(static_cast<unsigned char>(*text));
-  return out;
-}
-} // namespace
 
 TEST(CoordPointCollection, NumbersInInsertionOrder)
 {
@@ -118,7 +89,7 @@ TEST(CoordPointCollection, EveryFailure)
   double x, y, z;
   long const count = numbers.Count();
   CCartesianPoint point(3);
-  ExpectRows({
+  ExpectFailures({
     {"GetInternals -1", [&] { numbers.GetInternals(-1, x, y, z); }, 48, "CCoordPointCollection::GetInternals", ""},
     {"GetInternals Count", [&] { numbers.GetInternals(count, x, y, z); }, 48, "CCoordPointCollection::GetInternals", ""},
     {"GetInternals text", [&] { text.GetInternals(0, x, y, z); }, 14, "CCoordPointCollection::SetInternals",
@@ -143,6 +114,6 @@ TEST(CoordPointCollection, EveryFailure)
   });
   CCoordPointCollection styleless;
   styleless.AddInternals(1, 2, 3);
-  ExpectRows({{"GetPoint without style", [&] { delete styleless.GetPoint(0L); }, 52,
+  ExpectFailures({{"GetPoint without style", [&] { delete styleless.GetPoint(0L); }, 52,
                "CCoordPointCollection::GetPoint", "CoordPoint(Unknown)"}});
 }

@@ -3,24 +3,16 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/TestSupport.h"
+
 #include <memory>
 
+using namespace VelmoraTest;
 using namespace Velmora;
 using namespace Velmora::ML;
 using EX::CVelmoraException;
 
 namespace {
-template <class F>
-CVelmoraException Raised(F && f)
-{
-  try {
-    f();
-  } catch (CVelmoraException const & e) {
-    return e;
-  }
-  ADD_FAILURE() << "nothing raised";
-  return CVelmoraException();
-}
 
 CLinearUnit Foot()
 {

@@ -4,18 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/TestSupport.h"
+
+using namespace VelmoraTest;
 using namespace Velmora;
 using namespace Velmora::ML;
 
-namespace {
-std::basic_string<unsigned short> Wide(char const * text)
-{
-  std::basic_string<unsigned short> out;
-  for (; *text; ++text)
-    out.push_back(static_cast<unsigned char>(*text));
-  return out;
-}
-} // namespace
 
 TEST(AngularValueText, EveryNamedFormatReadsBackThroughTheValue)
 {

@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/TestSupport.h"
+
 #include <vector>
 
+using namespace VelmoraTest;
 using namespace Velmora;
 using ML::CAngularUnit;
 using ML::CAngularValue;
@@ -19,13 +22,6 @@ struct Recorder : CFormattedValueEvent
   void OnChange(CFormattedValue const * changed) override { seen.push_back(changed); }
 };
 
-std::basic_string<unsigned short> Wide(char const * text)
-{
-  std::basic_string<unsigned short> out;
-  for (; *text; ++text)
-    out.push_back(static_cast<unsigned char>(*text));
-  return out;
-}
 } // namespace
 
 TEST(AngularValue, RangeReductionUsesAFixedInterval)

@@ -4,8 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/TestSupport.h"
+
 #include <cmath>
 
+using namespace VelmoraTest;
 using namespace Velmora;
 using namespace Velmora::CS;
 using namespace Velmora::ML;
@@ -24,25 +27,7 @@ CEllipsoid Wgs84()
   return e;
 }
 
-std::basic_string<unsigned short> Wide(char const * text)
-{
-  std::basic_string<unsigned short> out;
-  for (; *text; ++text)
-    out.push_back(static_cast<unsigned char>(*text));
-  return out;
-}
 
-template <class F>
-CVelmoraException Raised(F && f)
-{
-  try {
-    f();
-  } catch (CVelmoraException const & e) {
-    return e;
-  }
-  ADD_FAILURE() << "nothing raised";
-  return CVelmoraException();
-}
 } // namespace
 
 TEST(Ellipsoid, EitherAxisOrFlatteningDefinesTheFigure)
