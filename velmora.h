@@ -18,6 +18,9 @@
 #include <velmora/foundation/Family.h>
 #include <velmora/foundation/ObjectTypes.h>
 
+// Parameters
+#include <velmora/foundation/ParameterCollection.h>
+
 // Measures
 #include <velmora/measures/Units.h>
 #include <velmora/measures/Values.h>
