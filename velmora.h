@@ -16,6 +16,9 @@
 #include <velmora/foundation/TWLVariant.h>
 #include <velmora/foundation/VelmoraException.h>
 
+// Parameters
+#include <velmora/foundation/ParameterCollection.h>
+
 // Measures
 #include <velmora/measures/BPoint.h>
 #include <velmora/measures/CoordPointCollection.h>
