@@ -33,6 +33,17 @@
 #include <velmora/refsys/HorizontalDatum.h>
 #include <velmora/refsys/PrimeMeridian.h>
 
+// Projections
+#include <velmora/projections/Azimuthal.h>
+#include <velmora/projections/Conic.h>
+#include <velmora/projections/Cylindrical.h>
+#include <velmora/projections/MeridionalUtil.h>
+#include <velmora/projections/Oblique.h>
+#include <velmora/projections/Projection.h>
+#include <velmora/projections/SpecialGrids.h>
+#include <velmora/projections/TransverseMercator.h>
+#include <velmora/projections/WorldMap.h>
+
 // Data source
 #include <velmora/datasource/CDataSource.h>
 #include <velmora/datasource/sax/CValueHandler.h>

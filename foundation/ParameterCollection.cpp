@@ -1,5 +1,7 @@
 #include <velmora/foundation/ParameterCollection.h>
 
+#include <velmora/datasource/SourceLookup_p.h>
+
 #include <velmora/foundation/VelmoraException.h>
 
 #include <algorithm>
@@ -312,12 +314,6 @@ bool CParameterCollectionData::IsItemNearlyEqual(CParameterCollectionData const 
   }
 }
 
-bool CParameterCollectionData::SourceHoldsUnit([[maybe_unused]] DB::CDataSource const * source,
-                                               [[maybe_unused]] CSerializable const & unit)
-{
-  return true;
-}
-
 void CParameterCollectionData::CheckUnit(CSerializable const & unit, char const * kind, CString const & name,
                                          DB::CDataSource const * source)
 {
@@ -325,7 +321,7 @@ void CParameterCollectionData::CheckUnit(CSerializable const & unit, char const 
   CVelmoraException::Code code = CVelmoraException::kUndefined;
   if (!unit.GetIdentifiers().Exists(QStringLiteral("VM")))
     code = CVelmoraException::kReferenceNeedsIdentifier;
-  else if (source && !SourceHoldsUnit(source, unit))
+  else if (!DB::detail::SourceHolds(source, unit))
     code = CVelmoraException::kReferenceNotFound;
   else
     return;

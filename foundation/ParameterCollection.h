@@ -188,9 +188,7 @@ private:
   CParameter const & Find(CString const & name, char const * operation) const;
   CParameter const & Find(CString const & name, CParameter::Type type, char const * operation) const;
 
-  // Whether the data source holds `unit`. The store does not exist yet, so
-  // this answers true; the store's lookup belongs here.
-  static bool SourceHoldsUnit(DB::CDataSource const * source, CSerializable const & unit);
+  // Code 25 without a "VM" code, 26 when the source lacks the unit.
   static void CheckUnit(CSerializable const & unit, char const * kind, CString const & name,
                         DB::CDataSource const * source);
 
