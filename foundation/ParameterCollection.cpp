@@ -245,18 +245,16 @@ bool CParameterCollectionData::IsNearlyEqual(CParameterCollectionData const & ot
     if (skip)
       continue;
 
-    auto match = there.find(name);
-    if (match == there.end()) {
-      auto const note = interchange.find(name);
-      if (note != interchange.end()) {
-        for (CString const & alias : (*specials)[note->second.group].names) {
-          match = there.find(alias);
-          if (match != there.end())
-            break;
-        }
-      }
-    }
-    if (match == there.end()) {
+    // The same name first; an interchangeable name stands in when that one is
+    // missing or differs, so that swapped parallels still match.
+    std::vector<ItemMap::const_iterator> candidates;
+    if (auto const same = there.find(name); same != there.end())
+      candidates.push_back(same);
+    if (auto const note = interchange.find(name); note != interchange.end())
+      for (CString const & alias : (*specials)[note->second.group].names)
+        if (auto const other = there.find(alias); alias != name && other != there.end())
+          candidates.push_back(other);
+    if (candidates.empty()) {
       why += CString(": matching parameter not found for ") + name;
       return false;
     }
@@ -265,17 +263,28 @@ bool CParameterCollectionData::IsNearlyEqual(CParameterCollectionData const & ot
       why += CString(": match for param ") + name + QLatin1String(what);
       return false;
     };
-    CParameter const & theirs = match->second;
+    bool matched = false;
+    for (auto const & candidate : candidates) {
+      CParameter const & theirs = candidate->second;
+      if (item.GetType() == theirs.GetType() && item.IsSet() == theirs.IsSet() &&
+          IsItemNearlyEqual(other, item.GetType(), name, candidate->first, useUnits)) {
+        matched = true;
+        break;
+      }
+    }
+    if (matched)
+      continue;
+    // Report against the first candidate, as a plain comparison would.
+    CParameter const & theirs = candidates.front()->second;
     if (item.GetType() != theirs.GetType())
       return differ(" found by name, but not of same type");
     if (item.IsSet() != theirs.IsSet())
       return differ(" found by name, but param not in same set state");
     CString detail;
-    if (!IsItemNearlyEqual(other, detail, item.GetType(), name, match->first, useUnits)) {
-      differ(" found by name, but param values do not match ");
-      why += detail;
-      return false;
-    }
+    IsItemNearlyEqual(other, detail, item.GetType(), name, candidates.front()->first, useUnits);
+    differ(" found by name, but param values do not match ");
+    why += detail;
+    return false;
   }
   return true;
 }

@@ -45,7 +45,11 @@ public:
 class VELMORA_API CLaborde final : public TNotConverting<CLaborde, CProjection::kLaborde>
 {
 public:
-  explicit CLaborde(CHorizontalDatum * datum = nullptr) : TNotConverting(datum) {}
+  // The skew comes preset: it is set from the start, at its default value.
+  explicit CLaborde(CHorizontalDatum * datum = nullptr) : TNotConverting(datum)
+  {
+    GetParameters().SetItemSetState(CString("azimuth_skew"), true);
+  }
 };
 
 class VELMORA_API CObliqueMercatorAzimuth final : public TNotConverting<CObliqueMercatorAzimuth, CProjection::kObliqueMercatorAzimuth>
