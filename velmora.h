@@ -32,6 +32,7 @@
 #include <velmora/refsys/Ellipsoid.h>
 #include <velmora/refsys/HorizontalDatum.h>
 #include <velmora/refsys/PrimeMeridian.h>
+#include <velmora/refsys/CoordSys.h>
 
 // Projections
 #include <velmora/projections/Azimuthal.h>

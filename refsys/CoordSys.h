@@ -1,0 +1,317 @@
+#pragma once
+// Coordinate systems. Every system brings its points to one meeting ground,
+// its geodetic base: longitude and latitude in degrees from Greenwich on the
+// system's own horizontal datum, height in metres.
+#include <velmora/measures/Envelope.h>
+#include <velmora/projections/Projection.h>
+#include <velmora/refsys/HorizontalDatum.h>
+
+#include <memory>
+
+namespace Velmora::CS {
+
+enum ECoordSysType { kChainedCoordSys = 0, kFittedCoordSys = 1, kGeocentricCoordSys = 2, kGeodeticCoordSys = 3,
+                     kMosaickedCoordSys = 4, kProjectedCoordSys = 5 };
+
+// What all system bodies share: the envelope, and the rules that use it.
+class VELMORA_API CCoordSysData : public virtual CSerializableData
+{
+public:
+  virtual CCoordSysData & operator=(CCoordSysData const & other);
+  virtual ECoordSysType GetType() const = 0;
+  virtual ML::CCoordPoint const & GetPointStyle() const = 0;
+  virtual ML::CCoordPoint & GetPointStyle() = 0;
+  virtual void SetPointStyle(ML::CCoordPoint const & style) = 0;
+  virtual CHorizontalDatum const & GetHorizontalDatum() const = 0;
+  virtual CHorizontalDatum & GetHorizontalDatum() = 0;
+  virtual bool ToGeodeticBase(double & x, double & y) const = 0;
+  virtual bool ToGeodeticBase(ML::CCoordPoint const & in, ML::CGeodeticPoint & out) const = 0;
+  virtual bool FromGeodeticBase(double & x, double & y) const = 0;
+  virtual bool FromGeodeticBase(ML::CGeodeticPoint const & in, ML::CCoordPoint & out) const = 0;
+
+  ML::CEnvelope const & GetEnvelope() const { return m_envelope; }
+  ML::CEnvelope & GetEnvelope() { return m_envelope; }
+  void SetEnvelope(ML::CEnvelope const & envelope) { m_envelope = envelope; }
+
+  // Types first, then the identifier level, then the kind's own fields.
+  bool IsNearlyEqual(CCoordSysData const & other, CString & why) const;
+
+protected:
+  CCoordSysData() = default;
+  CCoordSysData(CCoordSysData const &) = default;
+
+  virtual bool FieldsNearlyEqual(CCoordSysData const & other, CString & why) const = 0;
+  // Which side of a conversion the envelope guards: points of the system's
+  // own class, or geodetic points.
+  bool GuardsNative() const;
+  bool GuardsGeodetic() const;
+  void CheckInput(bool inBounds, char const * location) const;
+  void CheckOutput(bool inBounds, char const * location) const;
+  // Code 25 without a "VM" code, 26 when the source lacks the object.
+  void CheckReference(CSerializable const & object, DB::CDataSource const * source, char const * location,
+                      char const * missingCode, char const * missingObject) const;
+  void CheckPointStyle(ML::CCoordPoint const & style, ML::ECoordPointType wanted, char const * location,
+                       char const * details) const;
+
+  ML::CEnvelope m_envelope;
+};
+
+class VELMORA_API CGeocentricCoordSysData : public CCoordSysData, public TBodyFactory<CGeocentricCoordSysData>
+{
+public:
+  static constexpr EObjectType kObjectType = kObjectGeocentricCoordSys;
+  static constexpr long kRootGroup = 1100;
+
+  CGeocentricCoordSysData() = default;
+  CGeocentricCoordSysData(CGeocentricCoordSysData const &) = default;
+  virtual CGeocentricCoordSysData & operator=(CGeocentricCoordSysData const & other);
+
+  ECoordSysType GetType() const override { return kGeocentricCoordSys; }
+  ML::CCoordPoint const & GetPointStyle() const override { return m_style; }
+  ML::CCoordPoint & GetPointStyle() override { return m_style; }
+  void SetPointStyle(ML::CCoordPoint const & style) override;
+  CHorizontalDatum const & GetHorizontalDatum() const override { return m_datum; }
+  CHorizontalDatum & GetHorizontalDatum() override { return m_datum; }
+  void SetHorizontalDatum(CHorizontalDatum const & datum) { m_datum = datum; }
+  bool ToGeodeticBase(double & x, double & y) const override;
+  bool ToGeodeticBase(ML::CCoordPoint const & in, ML::CGeodeticPoint & out) const override;
+  bool FromGeodeticBase(double & x, double & y) const override;
+  bool FromGeodeticBase(ML::CGeodeticPoint const & in, ML::CCoordPoint & out) const override;
+
+  bool operator==(CGeocentricCoordSysData const & other) const;
+  bool IsFullyDefined(DB::CDataSource const * source) const override;
+  void CongealInner();
+  bool ReadStoredValue(CString const &, TWLVariant &) { return false; }
+
+protected:
+  bool FieldsNearlyEqual(CCoordSysData const & other, CString & why) const override;
+
+private:
+  CHorizontalDatum m_datum;
+  ML::CCartesianPoint m_style;
+};
+
+class VELMORA_API CGeodeticCoordSysData : public CCoordSysData, public TBodyFactory<CGeodeticCoordSysData>
+{
+public:
+  static constexpr EObjectType kObjectType = kObjectGeodeticCoordSys;
+  static constexpr long kRootGroup = 1200;
+
+  CGeodeticCoordSysData() = default;
+  CGeodeticCoordSysData(CGeodeticCoordSysData const &) = default;
+  virtual CGeodeticCoordSysData & operator=(CGeodeticCoordSysData const & other);
+
+  ECoordSysType GetType() const override { return kGeodeticCoordSys; }
+  ML::CCoordPoint const & GetPointStyle() const override { return m_style; }
+  ML::CCoordPoint & GetPointStyle() override { return m_style; }
+  void SetPointStyle(ML::CCoordPoint const & style) override;
+  CHorizontalDatum const & GetHorizontalDatum() const override { return m_datum; }
+  CHorizontalDatum & GetHorizontalDatum() override { return m_datum; }
+  void SetHorizontalDatum(CHorizontalDatum const & datum) { m_datum = datum; }
+  // One addition each way, with no envelope test: the fast path.
+  bool ToGeodeticBase(double & x, double & y) const override;
+  bool ToGeodeticBase(ML::CCoordPoint const & in, ML::CGeodeticPoint & out) const override;
+  bool FromGeodeticBase(double & x, double & y) const override;
+  bool FromGeodeticBase(ML::CGeodeticPoint const & in, ML::CCoordPoint & out) const override;
+
+  bool operator==(CGeodeticCoordSysData const & other) const;
+  bool IsFullyDefined(DB::CDataSource const * source) const override;
+  void CongealInner();
+  bool ReadStoredValue(CString const &, TWLVariant &) { return false; }
+
+protected:
+  bool FieldsNearlyEqual(CCoordSysData const & other, CString & why) const override;
+
+private:
+  CHorizontalDatum m_datum;
+  ML::CGeodeticPoint m_style;
+};
+
+class CGeodeticCoordSys;
+
+class VELMORA_API CProjectedCoordSysData : public CCoordSysData, public TBodyFactory<CProjectedCoordSysData>
+{
+public:
+  static constexpr EObjectType kObjectType = kObjectProjectedCoordSys;
+  static constexpr long kRootGroup = 1300;
+
+  CProjectedCoordSysData();
+  CProjectedCoordSysData(CProjectedCoordSysData const & other);
+  ~CProjectedCoordSysData() override;
+  virtual CProjectedCoordSysData & operator=(CProjectedCoordSysData const & other);
+
+  ECoordSysType GetType() const override { return kProjectedCoordSys; }
+  ML::CCoordPoint const & GetPointStyle() const override { return m_style; }
+  ML::CCoordPoint & GetPointStyle() override { return m_style; }
+  void SetPointStyle(ML::CCoordPoint const & style) override;
+  // The datum of the inner geodetic system.
+  CHorizontalDatum const & GetHorizontalDatum() const override;
+  CHorizontalDatum & GetHorizontalDatum() override;
+  bool ToGeodeticBase(double & x, double & y) const override;
+  bool ToGeodeticBase(ML::CCoordPoint const & in, ML::CGeodeticPoint & out) const override;
+  bool FromGeodeticBase(double & x, double & y) const override;
+  bool FromGeodeticBase(ML::CGeodeticPoint const & in, ML::CCoordPoint & out) const override;
+
+  CGeodeticCoordSys const & GetGeodeticCoordSys() const { return *m_geodetic; }
+  CGeodeticCoordSys & GetGeodeticCoordSys() { return *m_geodetic; }
+  void SetGeodeticCoordSys(CGeodeticCoordSys const & system);
+  // Never null: a default transverse Mercator on the inner datum when none is set.
+  PJ::CProjection const & GetProjection() const;
+  PJ::CProjection & GetProjection();
+  void SetProjection(PJ::CProjection const & projection);
+
+  bool operator==(CProjectedCoordSysData const & other) const;
+  bool IsFullyDefined(DB::CDataSource const * source) const override;
+  void CongealInner();
+  bool ReadStoredValue(CString const &, TWLVariant &) { return false; }
+
+protected:
+  bool FieldsNearlyEqual(CCoordSysData const & other, CString & why) const override;
+
+private:
+  // The projection works on the inner system's datum; lent, not owned.
+  PJ::CProjection & Projection() const;
+  double MeridianLongitude() const;
+
+  std::unique_ptr<CGeodeticCoordSys> m_geodetic;
+  mutable std::unique_ptr<PJ::CProjection> m_projection;
+  ML::CProjectedPoint m_style;
+};
+
+using CGeocentricCoordSysDataConcrete = TDataConcrete<CGeocentricCoordSysData>;
+using CGeocentricCoordSysDataDB = TDataDB<CGeocentricCoordSysData>;
+using CGeodeticCoordSysDataConcrete = TDataConcrete<CGeodeticCoordSysData>;
+using CGeodeticCoordSysDataDB = TDataDB<CGeodeticCoordSysData>;
+using CProjectedCoordSysDataConcrete = TDataConcrete<CProjectedCoordSysData>;
+using CProjectedCoordSysDataDB = TDataDB<CProjectedCoordSysData>;
+
+// The abstract system handle.
+class VELMORA_API CCoordSys : public CSerializable
+{
+public:
+  ~CCoordSys() override;
+
+  virtual ECoordSysType GetType() const { return GetCoordSysData().GetType(); }
+  virtual ML::CCoordPoint const & GetPointStyle() const { return GetCoordSysData().GetPointStyle(); }
+  virtual ML::CCoordPoint & GetPointStyle() { return GetCoordSysData().GetPointStyle(); }
+  virtual void SetPointStyle(ML::CCoordPoint const & style) { GetCoordSysData().SetPointStyle(style); }
+  virtual CHorizontalDatum const & GetHorizontalDatum() const { return GetCoordSysData().GetHorizontalDatum(); }
+  virtual CHorizontalDatum & GetHorizontalDatum() { return GetCoordSysData().GetHorizontalDatum(); }
+  virtual bool ToGeodeticBase(double & x, double & y) const { return GetCoordSysData().ToGeodeticBase(x, y); }
+  virtual bool ToGeodeticBase(ML::CCoordPoint const & in, ML::CGeodeticPoint & out) const
+  {
+    return GetCoordSysData().ToGeodeticBase(in, out);
+  }
+  virtual bool FromGeodeticBase(double & x, double & y) const { return GetCoordSysData().FromGeodeticBase(x, y); }
+  virtual bool FromGeodeticBase(ML::CGeodeticPoint const & in, ML::CCoordPoint & out) const
+  {
+    return GetCoordSysData().FromGeodeticBase(in, out);
+  }
+
+  ML::CEnvelope const & GetEnvelope() const { return GetCoordSysData().GetEnvelope(); }
+  void SetEnvelope(ML::CEnvelope const & envelope) { GetCoordSysData().SetEnvelope(envelope); }
+  bool IsNearlyEqual(CCoordSys const & other, CString & why) const
+  {
+    return GetCoordSysData().IsNearlyEqual(other.GetCoordSysData(), why);
+  }
+  bool IsNearlyEqual(CCoordSys const & other) const;
+  bool operator==(CCoordSys const & other) const { return CSerializable::operator==(other) && GetType() == other.GetType(); }
+  bool operator!=(CCoordSys const & other) const { return !(*this == other); }
+
+  // The body, for the library's own code that converts in bulk.
+  CCoordSysData const & SystemData() const { return GetCoordSysData(); }
+
+protected:
+  CCoordSys() = default;
+  CCoordSys(CCoordSys const &) = default;
+  CCoordSys & operator=(CCoordSys const &) = default;
+
+private:
+  virtual CCoordSysData const & GetCoordSysData() const = 0;
+  virtual CCoordSysData & GetCoordSysData() = 0;
+};
+
+template <class Data>
+class TCoordSysHandle : public THandle<Data, CCoordSys>
+{
+public:
+  TCoordSysHandle() = default;
+  TCoordSysHandle(TCoordSysHandle const &) = default;
+  TCoordSysHandle & operator=(TCoordSysHandle const &) = default;
+
+protected:
+  explicit TCoordSysHandle(Data const & body) : THandle<Data, CCoordSys>(body) {}
+
+private:
+  CCoordSysData const & GetCoordSysData() const override { return this->Body(); }
+  CCoordSysData & GetCoordSysData() override { return this->MutableBody(); }
+};
+
+class VELMORA_API CGeocentricCoordSys : public TCoordSysHandle<CGeocentricCoordSysData>
+{
+public:
+  CGeocentricCoordSys() = default;
+  CGeocentricCoordSys(CGeocentricCoordSys const &) = default;
+  CGeocentricCoordSys & operator=(CGeocentricCoordSys const &) = default;
+  ~CGeocentricCoordSys() override;
+  void SetHorizontalDatum(CHorizontalDatum const & datum) { MutableBody().SetHorizontalDatum(datum); }
+  bool operator==(CGeocentricCoordSys const & other) const { return Body() == other.Body(); }
+  bool operator!=(CGeocentricCoordSys const & other) const { return !(*this == other); }
+  void Congeal() override;
+
+private:
+  friend class DB::CDataSource;
+  explicit CGeocentricCoordSys(CGeocentricCoordSysData const & body) : TCoordSysHandle(body) {}
+};
+
+class VELMORA_API CGeodeticCoordSys : public TCoordSysHandle<CGeodeticCoordSysData>
+{
+public:
+  CGeodeticCoordSys() = default;
+  CGeodeticCoordSys(CGeodeticCoordSys const &) = default;
+  CGeodeticCoordSys & operator=(CGeodeticCoordSys const &) = default;
+  ~CGeodeticCoordSys() override;
+  void SetHorizontalDatum(CHorizontalDatum const & datum) { MutableBody().SetHorizontalDatum(datum); }
+  // The datum where it lies, for projections that borrow it without a copy.
+  CHorizontalDatum const * GetHorizontalDatumPointer() const { return &Body().GetHorizontalDatum(); }
+  bool operator==(CGeodeticCoordSys const & other) const { return Body() == other.Body(); }
+  bool operator!=(CGeodeticCoordSys const & other) const { return !(*this == other); }
+  void Congeal() override;
+
+private:
+  friend class DB::CDataSource;
+  explicit CGeodeticCoordSys(CGeodeticCoordSysData const & body) : TCoordSysHandle(body) {}
+};
+
+class VELMORA_API CProjectedCoordSys : public TCoordSysHandle<CProjectedCoordSysData>
+{
+public:
+  CProjectedCoordSys() = default;
+  CProjectedCoordSys(CProjectedCoordSys const &) = default;
+  CProjectedCoordSys & operator=(CProjectedCoordSys const &) = default;
+  ~CProjectedCoordSys() override;
+
+  CGeodeticCoordSys const & GetGeodeticCoordSys() const { return Body().GetGeodeticCoordSys(); }
+  CGeodeticCoordSys & GetGeodeticCoordSys() { return MutableBody().GetGeodeticCoordSys(); }
+  void SetGeodeticCoordSys(CGeodeticCoordSys const & system) { MutableBody().SetGeodeticCoordSys(system); }
+  PJ::CProjection const & GetProjection() const { return Body().GetProjection(); }
+  PJ::CProjection & GetProjection() { return MutableBody().GetProjection(); }
+  void SetProjection(PJ::CProjection const & projection) { MutableBody().SetProjection(projection); }
+  bool operator==(CProjectedCoordSys const & other) const { return Body() == other.Body(); }
+  bool operator!=(CProjectedCoordSys const & other) const { return !(*this == other); }
+  void Congeal() override;
+
+private:
+  friend class DB::CDataSource;
+  explicit CProjectedCoordSys(CProjectedCoordSysData const & body) : TCoordSysHandle(body) {}
+};
+
+class VELMORA_API CCoordSysFactory
+{
+public:
+  // A new default system of that kind; the caller owns it.
+  static CCoordSys * CreateCoordSys(ECoordSysType type);
+  static CCoordSys * CreateCoordSys(int type) { return CreateCoordSys(static_cast<ECoordSysType>(type)); }
+};
+
+} // namespace Velmora::CS
