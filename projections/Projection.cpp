@@ -143,54 +143,60 @@ void CProjection::CenterLongitude(double & longitude, double centralMeridian)
     longitude += kFullTurn;
 }
 
+namespace {
+// The two directions of the framework's wrappers differ only in point classes
+// and in which pair conversion they call.
+template <class Out, class In, class Convert>
+bool ThroughPair(double & a, double & b, Convert convert)
+{
+  In const in(a, b);
+  Out out(2);
+  if (!convert(in, out))
+    return false;
+  out.GetInternals(a, b);
+  return true;
+}
+
+template <class In, class Out, class Convert>
+bool ThroughPoints(CParameterCollection const & parameters, In const & in, Out & out, Convert convert)
+{
+  if (!parameters.AllItemsSet())
+    return false;
+  double a = 0.0, b = 0.0;
+  in.GetInternals(a, b);
+  if (!convert(a, b))
+    return false;
+  if (in.GetDimensions() == 3 && out.GetDimensions() == 3) {
+    double a3 = 0.0, b3 = 0.0, height = 0.0;
+    in.GetInternals(a3, b3, height);
+    out.SetInternals(a, b, height);
+  } else {
+    out.SetInternals(a, b);
+  }
+  return true;
+}
+} // namespace
+
 bool CProjection::ToPlane(double & x, double & y) const
 {
-  ML::CGeodeticPoint const in(x, y);
-  ML::CProjectedPoint out(2);
-  if (!ToPlane(in, out))
-    return false;
-  out.GetInternals(x, y);
-  return true;
+  return ThroughPair<ML::CProjectedPoint, ML::CGeodeticPoint>(
+    x, y, [this](auto const & in, auto & out) { return ToPlane(in, out); });
 }
 
 bool CProjection::ToPlane(ML::CGeodeticPoint const & in, ML::CProjectedPoint & out) const
 {
-  if (!GetParameters().AllItemsSet())
-    return false;
-  double x = in.GetLon().GetInternal();
-  double y = in.GetLat().GetInternal();
-  if (!ToPlane(x, y))
-    return false;
-  if (in.GetDimensions() == 3 && out.GetDimensions() == 3)
-    out.SetInternals(x, y, in.GetHgt().GetInternal());
-  else
-    out.SetInternals(x, y);
-  return true;
+  return ThroughPoints(GetParameters(), in, out, [this](double & a, double & b) { return ToPlane(a, b); });
 }
 
 bool CProjection::FromPlane(double & x, double & y) const
 {
-  ML::CProjectedPoint const in(x, y);
-  ML::CGeodeticPoint out(2);
-  if (!FromPlane(in, out))
-    return false;
-  out.GetInternals(x, y);
-  return true;
+  return ThroughPair<ML::CGeodeticPoint, ML::CProjectedPoint>(
+    x, y, [this](auto const & in, auto & out) { return FromPlane(in, out); });
 }
 
 bool CProjection::FromPlane(ML::CProjectedPoint const & in, ML::CGeodeticPoint & out) const
 {
-  if (!GetParameters().AllItemsSet())
-    return false;
-  double x = in.GetEast().GetInternal();
-  double y = in.GetNorth().GetInternal();
-  if (!FromPlane(x, y))
-    return false;
-  if (in.GetDimensions() == 3 && out.GetDimensions() == 3)
-    out.SetInternals(x, y, in.GetHgt().GetInternal());
-  else
-    out.SetInternals(x, y);
-  return true;
+  return ThroughPoints(GetParameters(), in, out, [this](double & a, double & b) { return FromPlane(a, b); });
 }
 
 bool CProjection::ConvergenceAtPoint(ML::CProjectedPoint const & point, ML::CAngularValue & angle) const

@@ -87,13 +87,57 @@ void AssignStyle(CSerializableData const & body, Style & target, ML::CCoordPoint
     target = static_cast<Style const &>(style);
 }
 
-// Geocentric
+// Systems on a datum
 
-CGeocentricCoordSysData & CGeocentricCoordSysData::operator=(CGeocentricCoordSysData const & other)
+template <class Style>
+void TDatumSystemData<Style>::AssignFields(TDatumSystemData const & other)
 {
   CCoordSysData::operator=(other);
   m_datum = other.m_datum;
   m_style = other.m_style;
+}
+
+template <class Style>
+bool TDatumSystemData<Style>::SameFields(TDatumSystemData const & other) const
+{
+  return CSerializableData::operator==(other) && m_envelope == other.m_envelope && m_datum == other.m_datum &&
+         m_style.PointData().Equals(other.m_style.PointData());
+}
+
+template <class Style>
+bool TDatumSystemData<Style>::FieldsNearlyEqual(CCoordSysData const & other, CString & why) const
+{
+  CString detail;
+  if (m_datum.IsNearlyEqual(static_cast<TDatumSystemData const &>(other).m_datum, detail))
+    return true;
+  why += CString(": horizontal datums do not match ") + detail;
+  return false;
+}
+
+template <class Style>
+void TDatumSystemData<Style>::CheckReferences(DB::CDataSource const * source, char const * location) const
+{
+  CheckReference(m_envelope, source, location, "Envelope", "Envelope");
+  CheckReference(m_style, source, location, "PointStyle", "PointStyle");
+  CheckReference(m_datum, source, location, "HorizontalDatum", "HorizontalDatum");
+}
+
+template <class Style>
+void TDatumSystemData<Style>::CongealInner()
+{
+  m_envelope.Congeal();
+  m_datum.Congeal();
+  m_style.Congeal();
+}
+
+template class TDatumSystemData<ML::CCartesianPoint>;
+template class TDatumSystemData<ML::CGeodeticPoint>;
+
+// Geocentric
+
+CGeocentricCoordSysData & CGeocentricCoordSysData::operator=(CGeocentricCoordSysData const & other)
+{
+  AssignFields(other);
   return *this;
 }
 
@@ -158,45 +202,21 @@ bool CGeocentricCoordSysData::FromGeodeticBase(double & x, double & y) const
   return result;
 }
 
-bool CGeocentricCoordSysData::FieldsNearlyEqual(CCoordSysData const & other, CString & why) const
-{
-  CString detail;
-  if (m_datum.IsNearlyEqual(static_cast<CGeocentricCoordSysData const &>(other).m_datum, detail))
-    return true;
-  why += CString(": horizontal datums do not match ") + detail;
-  return false;
-}
 
-bool CGeocentricCoordSysData::operator==(CGeocentricCoordSysData const & other) const
-{
-  return CSerializableData::operator==(other) && m_envelope == other.m_envelope && m_datum == other.m_datum &&
-         m_style.PointData().Equals(other.m_style.PointData());
-}
 
 bool CGeocentricCoordSysData::IsFullyDefined(DB::CDataSource const * source) const
 {
   bool const base = CSerializableData::IsFullyDefined(source);
-  char const * const location = "CGeocentricCoordSysData::IsFullyDefined";
-  CheckReference(m_envelope, source, location, "Envelope", "Envelope");
-  CheckReference(m_style, source, location, "PointStyle", "PointStyle");
-  CheckReference(m_datum, source, location, "HorizontalDatum", "HorizontalDatum");
+  CheckReferences(source, "CGeocentricCoordSysData::IsFullyDefined");
   return base;
 }
 
-void CGeocentricCoordSysData::CongealInner()
-{
-  m_envelope.Congeal();
-  m_datum.Congeal();
-  m_style.Congeal();
-}
 
 // Geodetic
 
 CGeodeticCoordSysData & CGeodeticCoordSysData::operator=(CGeodeticCoordSysData const & other)
 {
-  CCoordSysData::operator=(other);
-  m_datum = other.m_datum;
-  m_style = other.m_style;
+  AssignFields(other);
   return *this;
 }
 
@@ -238,37 +258,15 @@ bool CGeodeticCoordSysData::FromGeodeticBase(double & x, double &) const
   return true;
 }
 
-bool CGeodeticCoordSysData::FieldsNearlyEqual(CCoordSysData const & other, CString & why) const
-{
-  CString detail;
-  if (m_datum.IsNearlyEqual(static_cast<CGeodeticCoordSysData const &>(other).m_datum, detail))
-    return true;
-  why += CString(": horizontal datums do not match ") + detail;
-  return false;
-}
 
-bool CGeodeticCoordSysData::operator==(CGeodeticCoordSysData const & other) const
-{
-  return CSerializableData::operator==(other) && m_envelope == other.m_envelope && m_datum == other.m_datum &&
-         m_style.PointData().Equals(other.m_style.PointData());
-}
 
 bool CGeodeticCoordSysData::IsFullyDefined(DB::CDataSource const * source) const
 {
   bool const base = CSerializableData::IsFullyDefined(source);
-  char const * const location = "CGeodeticCoordSysData::IsFullyDefined";
-  CheckReference(m_envelope, source, location, "Envelope", "Envelope");
-  CheckReference(m_style, source, location, "PointStyle", "PointStyle");
-  CheckReference(m_datum, source, location, "HorizontalDatum", "HorizontalDatum");
+  CheckReferences(source, "CGeodeticCoordSysData::IsFullyDefined");
   return base;
 }
 
-void CGeodeticCoordSysData::CongealInner()
-{
-  m_envelope.Congeal();
-  m_datum.Congeal();
-  m_style.Congeal();
-}
 
 // Projected
 

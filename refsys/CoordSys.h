@@ -56,7 +56,37 @@ protected:
   ML::CEnvelope m_envelope;
 };
 
-class VELMORA_API CGeocentricCoordSysData : public CCoordSysData, public TBodyFactory<CGeocentricCoordSysData>
+// A system defined directly on a horizontal datum, with a style of its own point class.
+template <class Style>
+class TDatumSystemData : public CCoordSysData
+{
+public:
+  ML::CCoordPoint const & GetPointStyle() const override { return m_style; }
+  ML::CCoordPoint & GetPointStyle() override { return m_style; }
+  CHorizontalDatum const & GetHorizontalDatum() const override { return m_datum; }
+  CHorizontalDatum & GetHorizontalDatum() override { return m_datum; }
+  void SetHorizontalDatum(CHorizontalDatum const & datum) { m_datum = datum; }
+  void CongealInner();
+  bool ReadStoredValue(CString const &, TWLVariant &) { return false; }
+
+protected:
+  TDatumSystemData() = default;
+  TDatumSystemData(TDatumSystemData const &) = default;
+  void AssignFields(TDatumSystemData const & other);
+  bool SameFields(TDatumSystemData const & other) const;
+  bool FieldsNearlyEqual(CCoordSysData const & other, CString & why) const override;
+  // Envelope, point style and datum must carry "VM" codes the source holds.
+  void CheckReferences(DB::CDataSource const * source, char const * location) const;
+
+  CHorizontalDatum m_datum;
+  Style m_style;
+};
+
+extern template class VELMORA_API TDatumSystemData<ML::CCartesianPoint>;
+extern template class VELMORA_API TDatumSystemData<ML::CGeodeticPoint>;
+
+class VELMORA_API CGeocentricCoordSysData : public TDatumSystemData<ML::CCartesianPoint>,
+                                            public TBodyFactory<CGeocentricCoordSysData>
 {
 public:
   static constexpr EObjectType kObjectType = kObjectGeocentricCoordSys;
@@ -67,31 +97,18 @@ public:
   virtual CGeocentricCoordSysData & operator=(CGeocentricCoordSysData const & other);
 
   ECoordSysType GetType() const override { return kGeocentricCoordSys; }
-  ML::CCoordPoint const & GetPointStyle() const override { return m_style; }
-  ML::CCoordPoint & GetPointStyle() override { return m_style; }
   void SetPointStyle(ML::CCoordPoint const & style) override;
-  CHorizontalDatum const & GetHorizontalDatum() const override { return m_datum; }
-  CHorizontalDatum & GetHorizontalDatum() override { return m_datum; }
-  void SetHorizontalDatum(CHorizontalDatum const & datum) { m_datum = datum; }
   bool ToGeodeticBase(double & x, double & y) const override;
   bool ToGeodeticBase(ML::CCoordPoint const & in, ML::CGeodeticPoint & out) const override;
   bool FromGeodeticBase(double & x, double & y) const override;
   bool FromGeodeticBase(ML::CGeodeticPoint const & in, ML::CCoordPoint & out) const override;
 
-  bool operator==(CGeocentricCoordSysData const & other) const;
+  bool operator==(CGeocentricCoordSysData const & other) const { return SameFields(other); }
   bool IsFullyDefined(DB::CDataSource const * source) const override;
-  void CongealInner();
-  bool ReadStoredValue(CString const &, TWLVariant &) { return false; }
-
-protected:
-  bool FieldsNearlyEqual(CCoordSysData const & other, CString & why) const override;
-
-private:
-  CHorizontalDatum m_datum;
-  ML::CCartesianPoint m_style;
 };
 
-class VELMORA_API CGeodeticCoordSysData : public CCoordSysData, public TBodyFactory<CGeodeticCoordSysData>
+class VELMORA_API CGeodeticCoordSysData : public TDatumSystemData<ML::CGeodeticPoint>,
+                                          public TBodyFactory<CGeodeticCoordSysData>
 {
 public:
   static constexpr EObjectType kObjectType = kObjectGeodeticCoordSys;
@@ -102,29 +119,15 @@ public:
   virtual CGeodeticCoordSysData & operator=(CGeodeticCoordSysData const & other);
 
   ECoordSysType GetType() const override { return kGeodeticCoordSys; }
-  ML::CCoordPoint const & GetPointStyle() const override { return m_style; }
-  ML::CCoordPoint & GetPointStyle() override { return m_style; }
   void SetPointStyle(ML::CCoordPoint const & style) override;
-  CHorizontalDatum const & GetHorizontalDatum() const override { return m_datum; }
-  CHorizontalDatum & GetHorizontalDatum() override { return m_datum; }
-  void SetHorizontalDatum(CHorizontalDatum const & datum) { m_datum = datum; }
   // One addition each way, with no envelope test: the fast path.
   bool ToGeodeticBase(double & x, double & y) const override;
   bool ToGeodeticBase(ML::CCoordPoint const & in, ML::CGeodeticPoint & out) const override;
   bool FromGeodeticBase(double & x, double & y) const override;
   bool FromGeodeticBase(ML::CGeodeticPoint const & in, ML::CCoordPoint & out) const override;
 
-  bool operator==(CGeodeticCoordSysData const & other) const;
+  bool operator==(CGeodeticCoordSysData const & other) const { return SameFields(other); }
   bool IsFullyDefined(DB::CDataSource const * source) const override;
-  void CongealInner();
-  bool ReadStoredValue(CString const &, TWLVariant &) { return false; }
-
-protected:
-  bool FieldsNearlyEqual(CCoordSysData const & other, CString & why) const override;
-
-private:
-  CHorizontalDatum m_datum;
-  ML::CGeodeticPoint m_style;
 };
 
 class CGeodeticCoordSys;
