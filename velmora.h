@@ -41,7 +41,7 @@
 #include <velmora/projections/MeridionalUtil.h>
 #include <velmora/projections/Oblique.h>
 #include <velmora/projections/Projection.h>
-#include <velmora/projections/SpecialGrids.h>
+#include <velmora/projections/GridSystems.h>
 #include <velmora/projections/TransverseMercator.h>
 #include <velmora/projections/WorldMap.h>
 

@@ -3,7 +3,7 @@
 #include <velmora/projections/Conic.h>
 #include <velmora/projections/Cylindrical.h>
 #include <velmora/projections/Oblique.h>
-#include <velmora/projections/SpecialGrids.h>
+#include <velmora/projections/GridSystems.h>
 #include <velmora/projections/TransverseMercator.h>
 #include <velmora/projections/WorldMap.h>
 

@@ -1,5 +1,5 @@
 #pragma once
-// Special grids: national systems, MGRS, and one-off grids.
+// Grid systems: national grids, MGRS, and one-off grids.
 // Classes whose mathematics is not yet carried convert nothing: ToPlane and
 // FromPlane return false.
 #include <velmora/projections/TransverseMercator.h>
