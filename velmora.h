@@ -45,6 +45,14 @@
 #include <velmora/projections/TransverseMercator.h>
 #include <velmora/projections/WorldMap.h>
 
+// Transforms
+#include <velmora/transforms/datumshifts/DatumShift.h>
+#include <velmora/transforms/datumshifts/DatumShiftCollection.h>
+#include <velmora/transforms/datumshifts/DatumShiftInfo.h>
+#include <velmora/transforms/datumshifts/GridShifts.h>
+#include <velmora/transforms/datumshifts/NationalShifts.h>
+#include <velmora/transforms/datumshifts/ParametricShifts.h>
+
 // Data source
 #include <velmora/datasource/CDataSource.h>
 #include <velmora/datasource/sax/CValueHandler.h>
