@@ -1,0 +1,199 @@
+// UTM beside PROJ on the same million points of zone 32 north, WGS 84: ours
+// through ToPlane(double &, double &) and FromPlane, one virtual call per
+// point; PROJ's "+proj=utm +zone=32 +ellps=WGS84" through proj_trans_generic.
+// After the runs a table gives the time per point and Velmora / PROJ.
+#include <velmora/projections/TransverseMercator.h>
+#include <velmora/refsys/HorizontalDatum.h>
+
+#include <benchmark/benchmark.h>
+#include <proj.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+using Velmora::CString;
+using Velmora::CS::CEllipsoid;
+using Velmora::CS::CHorizontalDatum;
+using Velmora::CS::PJ::CProjection;
+using Velmora::CS::PJ::CUniversalTransverseMercator;
+
+namespace {
+
+constexpr int kPoints = 1000000;
+constexpr double kA = 6378137.0;
+constexpr double kInvF = 298.257223563;
+constexpr double kDeg = 0.017453292519943295;
+
+struct XY
+{
+  double x, y;
+};
+
+struct Input
+{
+  std::vector<XY> geodeticDeg; // lon, lat degrees: ours
+  std::vector<XY> geodeticRad; // the same in radians: PROJ's
+  std::vector<XY> projected;   // the same points as easting, northing
+};
+
+PJ * Utm()
+{
+  static PJ * const pj = proj_create(PJ_DEFAULT_CTX, "+proj=utm +zone=32 +ellps=WGS84");
+  if (!pj) {
+    std::fprintf(stderr, "proj_create failed\n");
+    std::exit(1);
+  }
+  return pj;
+}
+
+void ProjTrans(PJ_DIRECTION dir, std::vector<XY> & pts)
+{
+  std::size_t const stride = sizeof(XY);
+  std::size_t const n = pts.size();
+  proj_trans_generic(Utm(), dir, &pts[0].x, stride, n, &pts[0].y, stride, n, nullptr, 0, 0, nullptr, 0, 0);
+}
+
+// Zone 32 north, fixed, on WGS 84; the datum outlives every benchmark.
+CProjection const & Projection()
+{
+  static CHorizontalDatum * const datum = [] {
+    CEllipsoid e;
+    e.GetSemiMajor().SetValue(kA);
+    e.SetInvFlattening(kInvF);
+    auto * d = new CHorizontalDatum();
+    d->SetEllipsoid(e);
+    return d;
+  }();
+  static CUniversalTransverseMercator * const utm = [] {
+    auto * p = new CUniversalTransverseMercator(datum);
+    p->GetParameters().SetLong(CString("autoset"), 0);
+    p->GetParameters().SetLong(CString("is_north"), 1);
+    p->GetParameters().SetLong(CString("zone"), 32);
+    return p;
+  }();
+  return *utm;
+}
+
+Input const & Data()
+{
+  static Input const data = [] {
+    Input in;
+    std::mt19937_64 rng(20240611);
+    std::uniform_real_distribution<double> lon(6, 12), lat(0, 84);
+    for (int i = 0; i < kPoints; ++i) {
+      XY const p{lon(rng), lat(rng)};
+      in.geodeticDeg.push_back(p);
+      in.geodeticRad.push_back({p.x * kDeg, p.y * kDeg});
+    }
+    in.projected = in.geodeticRad;
+    ProjTrans(PJ_FWD, in.projected);
+    return in;
+  }();
+  return data;
+}
+
+// Each loop converts a working copy refreshed outside the timing.
+template <class Convert>
+void Run(benchmark::State & state, std::vector<XY> const & source, Convert convert)
+{
+  std::vector<XY> pts;
+  for (auto _ : state) {
+    state.PauseTiming();
+    pts = source;
+    state.ResumeTiming();
+    convert(pts);
+    benchmark::DoNotOptimize(pts.data());
+  }
+  state.SetItemsProcessed(state.iterations() * kPoints);
+}
+
+void BM_Velmora_UtmForward(benchmark::State & state)
+{
+  CProjection const & utm = Projection();
+  Run(state, Data().geodeticDeg, [&utm](std::vector<XY> & pts) {
+    for (XY & p : pts)
+      utm.ToPlane(p.x, p.y);
+  });
+}
+
+void BM_Proj_UtmForward(benchmark::State & state)
+{
+  Run(state, Data().geodeticRad, [](std::vector<XY> & pts) { ProjTrans(PJ_FWD, pts); });
+}
+
+void BM_Velmora_UtmInverse(benchmark::State & state)
+{
+  CProjection const & utm = Projection();
+  Run(state, Data().projected, [&utm](std::vector<XY> & pts) {
+    for (XY & p : pts)
+      utm.FromPlane(p.x, p.y);
+  });
+}
+
+void BM_Proj_UtmInverse(benchmark::State & state)
+{
+  Run(state, Data().projected, [](std::vector<XY> & pts) { ProjTrans(PJ_INV, pts); });
+}
+
+BENCHMARK(BM_Velmora_UtmForward)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Proj_UtmForward)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Velmora_UtmInverse)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Proj_UtmInverse)->Unit(benchmark::kMillisecond);
+
+// Keeps the console output and notes each run's time per item.
+class RatioReporter : public benchmark::ConsoleReporter
+{
+public:
+  void ReportRuns(std::vector<Run> const & runs) override
+  {
+    ConsoleReporter::ReportRuns(runs);
+    for (Run const & run : runs) {
+      if (run.run_type != Run::RT_Iteration || run.error_occurred)
+        continue;
+      auto const rate = run.counters.find("items_per_second");
+      if (rate != run.counters.end() && rate->second.value > 0)
+        m_ns[run.benchmark_name()] = 1e9 / rate->second.value;
+    }
+  }
+
+  double PerItemNs(std::string const & name) const
+  {
+    auto const t = m_ns.find(name);
+    return t == m_ns.end() ? 0.0 : t->second;
+  }
+
+private:
+  std::map<std::string, double> m_ns;
+};
+
+} // namespace
+
+int main(int argc, char ** argv)
+{
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv))
+    return 1;
+  Data(); // build the input before any timing
+  Projection();
+  RatioReporter reporter;
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+
+  struct Pair { char const * what; char const * ours; char const * proj; } const pairs[] = {
+    {"UTM forward", "BM_Velmora_UtmForward", "BM_Proj_UtmForward"},
+    {"UTM inverse", "BM_Velmora_UtmInverse", "BM_Proj_UtmInverse"},
+  };
+  std::printf("\n%-24s %14s %14s %16s\n", "per point", "Velmora ns", "PROJ ns", "Velmora / PROJ");
+  for (Pair const & p : pairs) {
+    double const ours = reporter.PerItemNs(p.ours);
+    double const proj = reporter.PerItemNs(p.proj);
+    if (ours > 0 && proj > 0)
+      std::printf("%-24s %14.1f %14.1f %16.2f\n", p.what, ours, proj, ours / proj);
+  }
+  benchmark::Shutdown();
+  return 0;
+}
