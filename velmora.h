@@ -53,6 +53,13 @@
 #include <velmora/transforms/datumshifts/NationalShifts.h>
 #include <velmora/transforms/datumshifts/ParametricShifts.h>
 
+// Vertical
+#include <velmora/vertical/HeightModel.h>
+#include <velmora/vertical/HeightModels.h>
+#include <velmora/vertical/SimpleGriddedData.h>
+#include <velmora/vertical/VerticalDatum.h>
+#include <velmora/vertical/VerticalReference.h>
+
 // Data source
 #include <velmora/datasource/CDataSource.h>
 #include <velmora/datasource/sax/CValueHandler.h>

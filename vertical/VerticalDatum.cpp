@@ -1,0 +1,217 @@
+#include <velmora/vertical/VerticalDatum.h>
+
+#include <velmora/vertical/VerticalCommon_p.h>
+
+#include <array>
+
+namespace Velmora::CS::VR {
+
+using EX::CVelmoraException;
+
+// Bodies
+
+CVerticalDatumData & CVerticalDatumData::operator=(CVerticalDatumData const & other)
+{
+  if (&other != this) {
+    CSerializableData::operator=(other);
+    m_envelope = other.m_envelope;
+    m_classType = other.m_classType;
+    m_parameters = other.m_parameters;
+  }
+  return *this;
+}
+
+bool CVerticalDatumData::IsNearlyEqual(CVerticalDatumData const & other, CString & why) const
+{
+  auto const base = IsNearlyEqualBase(other, why);
+  if (base != kNearlyEqualBaseUndecided)
+    return base == kNearlyEqualBaseSame;
+  if (m_classType != other.m_classType) {
+    why += CString(QString(": class names do not match : %1 != %2").arg(m_classType, other.m_classType));
+    return false;
+  }
+  if (!m_parameters.IsNearlyEqual(other.m_parameters)) {
+    why += CString(": parameters do not match");
+    return false;
+  }
+  return true;
+}
+
+bool CVerticalDatumData::IsNearlyEqual(CVerticalDatumData const & other) const
+{
+  CString why;
+  return IsNearlyEqual(other, why);
+}
+
+bool CVerticalDatumData::operator==(CVerticalDatumData const & other) const
+{
+  return CSerializableData::operator==(other) && m_envelope == other.m_envelope &&
+         m_classType == other.m_classType && m_parameters == other.m_parameters;
+}
+
+bool CVerticalDatumData::IsFullyDefined(DB::CDataSource const * source) const
+{
+  bool const base = CSerializableData::IsFullyDefined(source);
+  char const * const location = "CVerticalDatumData::IsFullyDefined";
+  if (m_classType.isEmpty())
+    throw CVelmoraException(CVelmoraException::kWrongSerializedClass, location, "ClassType");
+  detail::CheckReference(m_envelope, location, "Envelope", "Envelope", source);
+  return base;
+}
+
+void CVerticalDatumData::CongealInner()
+{
+  m_envelope.Congeal();
+  m_parameters.Congeal();
+}
+
+CVerticalDatumDataDB::CVerticalDatumDataDB()
+  : CSerializableData(CString(), kObjectType, kRootGroup), m_stored(std::make_unique<CParameterCollectionDataDB>())
+{
+  m_parameters = CParameterCollection(*m_stored);
+}
+
+CVerticalDatumDataDB::CVerticalDatumDataDB(CVerticalDatumData const & source, DB::CDataSource const *)
+  : CSerializableData(source), CVerticalDatumData(source), m_type(GetVerticalDatumType(source.GetClassType()))
+{
+}
+
+CVerticalDatumDataDB::~CVerticalDatumDataDB() = default;
+
+int CVerticalDatumDataDB::GetVerticalDatumType(CString const & classType)
+{
+  return Table::VerticalDatumTypeOf(classType);
+}
+
+int CVerticalDatumDataDB::SetVerticalDatumType(CString const & classType)
+{
+  int const type = GetVerticalDatumType(classType);
+  if (type < 0)
+    return -1;
+  m_type = type;
+  m_classType = classType;
+  return type;
+}
+
+// The handle
+
+CString CVerticalDatum::TypeName(int type)
+{
+  Table::Row const * row = Table::VerticalDatumRow(type);
+  return row ? CString(row->name) : CString();
+}
+
+CVerticalDatum::CVerticalDatum(Type type)
+{
+  CVerticalDatumData & body = MutableBody();
+  body.SetClassType(TypeName(type));
+  detail::RegisterParameters(body.GetParameters(), Table::VerticalDatumRow(type));
+  body.GetParameters().SetEventHandler(this);
+}
+
+CVerticalDatum::CVerticalDatum(CVerticalDatum const & other) : THandle(other), CParameterCollectionEvent()
+{
+  Listen();
+}
+
+CVerticalDatum::~CVerticalDatum() = default;
+
+CVerticalDatum & CVerticalDatum::operator=(CVerticalDatum const & other)
+{
+  if (&other == this)
+    return *this;
+  m_data = other.m_data;
+  Listen();
+  OnChange(detail::kNoName);
+  return *this;
+}
+
+void CVerticalDatum::Listen()
+{
+  CVerticalDatumData const * body = m_data.Peek();
+  if (body && body->GetDataObjectType() == kEDataObjectConcrete &&
+      body->GetParameters().GetData().GetDataObjectType() == kEDataObjectConcrete)
+    MutableBody().GetParameters().SetEventHandler(this);
+}
+
+CParameterCollection & CVerticalDatum::GetParameters()
+{
+  CParameterCollection & parameters = MutableBody().GetParameters();
+  if (parameters.GetEventHandler() != this)
+    parameters.SetEventHandler(this);
+  return parameters;
+}
+
+void CVerticalDatum::Congeal()
+{
+  m_data.Dereference();
+  MutableBody().CongealInner();
+  Listen();
+}
+
+void CVerticalDatum::AttachBody(CVerticalDatumData const & body)
+{
+  m_data.Reset(&body);
+  Listen();
+  OnChange(detail::kNoName);
+}
+
+// The types
+
+double CVertCon94::Interpolate(ML::CGeodeticPoint const &) const
+{
+  if (!GetParameters().AllItemsSet())
+    return 0.0;
+  Table::Row const & row = *Table::VerticalDatumRow(GetType());
+  throw CVelmoraException(CVelmoraException::kFileNotFound, row.openLocation, row.openDetails);
+}
+
+double CGenericVerticalDatum::Interpolate(ML::CGeodeticPoint const & point) const
+{
+  if (!GetEnvelope().InBounds(point))
+    throw CVelmoraException(CVelmoraException::kInputOutOfBounds, "CGenericVerticalDatum::Interpolate",
+                            Table::kOutsideEnvelope);
+  return 0.0;
+}
+
+// The factory
+
+namespace {
+template <class T>
+CVerticalDatum * Make()
+{
+  return new T();
+}
+
+struct Entry
+{
+  CVerticalDatum::Type type;
+  CVerticalDatum * (*make)();
+};
+
+template <class... T>
+constexpr auto Entries()
+{
+  return std::array<Entry, sizeof...(T)>{Entry{T::kType, &Make<T>}...};
+}
+
+constexpr auto kMakers = Entries<CNGVD29, CNAVD88, CGenericVerticalDatum>();
+
+constexpr bool InTypeOrder()
+{
+  for (std::size_t i = 0; i < kMakers.size(); ++i)
+    if (kMakers[i].type != static_cast<int>(i))
+      return false;
+  return kMakers.size() == CVerticalDatum::kTypeCount;
+}
+static_assert(InTypeOrder(), "the factory lists every type once, in type order");
+} // namespace
+
+CVerticalDatum * CVerticalDatumFactory::CreateVerticalDatum(CVerticalDatum::Type type)
+{
+  if (static_cast<unsigned>(type) >= static_cast<unsigned>(CVerticalDatum::kTypeCount))
+    throw CVelmoraException(CVelmoraException::kClassNotImplemented, "CVerticalDatumFactory::CreateVerticalDatum");
+  return kMakers[static_cast<std::size_t>(type)].make();
+}
+
+} // namespace Velmora::CS::VR
