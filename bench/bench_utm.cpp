@@ -6,6 +6,8 @@
 #include <velmora/refsys/HorizontalDatum.h>
 
 #include <benchmark/benchmark.h>
+
+#include "RatioReport.h"
 #include <proj.h>
 
 #include <cmath>
@@ -145,55 +147,15 @@ BENCHMARK(BM_Proj_UtmForward)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Velmora_UtmInverse)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Proj_UtmInverse)->Unit(benchmark::kMillisecond);
 
-// Keeps the console output and notes each run's time per item.
-class RatioReporter : public benchmark::ConsoleReporter
-{
-public:
-  void ReportRuns(std::vector<Run> const & runs) override
-  {
-    ConsoleReporter::ReportRuns(runs);
-    for (Run const & run : runs) {
-      if (run.run_type != Run::RT_Iteration || run.error_occurred)
-        continue;
-      auto const rate = run.counters.find("items_per_second");
-      if (rate != run.counters.end() && rate->second.value > 0)
-        m_ns[run.benchmark_name()] = 1e9 / rate->second.value;
-    }
-  }
-
-  double PerItemNs(std::string const & name) const
-  {
-    auto const t = m_ns.find(name);
-    return t == m_ns.end() ? 0.0 : t->second;
-  }
-
-private:
-  std::map<std::string, double> m_ns;
-};
-
 } // namespace
 
 int main(int argc, char ** argv)
 {
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv))
-    return 1;
-  Data(); // build the input before any timing
-  Projection();
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-
-  struct Pair { char const * what; char const * ours; char const * proj; } const pairs[] = {
+  return VelmoraBench::RunWithRatios(argc, argv, {
     {"UTM forward", "BM_Velmora_UtmForward", "BM_Proj_UtmForward"},
     {"UTM inverse", "BM_Velmora_UtmInverse", "BM_Proj_UtmInverse"},
-  };
-  std::printf("\n%-24s %14s %14s %16s\n", "per point", "Velmora ns", "PROJ ns", "Velmora / PROJ");
-  for (Pair const & p : pairs) {
-    double const ours = reporter.PerItemNs(p.ours);
-    double const proj = reporter.PerItemNs(p.proj);
-    if (ours > 0 && proj > 0)
-      std::printf("%-24s %14.1f %14.1f %16.2f\n", p.what, ours, proj, ours / proj);
-  }
-  benchmark::Shutdown();
-  return 0;
+  }, [] {
+    Data();
+    Projection();
+  });
 }
