@@ -214,10 +214,69 @@ bool CGeocentricCoordSysData::IsFullyDefined(DB::CDataSource const * source) con
 
 // Geodetic
 
+CGeodeticCoordSysData::CGeodeticCoordSysData(CGeodeticCoordSysData const & other)
+  : CSerializableData(other), TDatumSystemData(other) // the frame itself is copied by the most-derived body
+{
+  SetVerticalReference(other.m_verticalReference.get());
+}
+
+CGeodeticCoordSysData::~CGeodeticCoordSysData() = default;
+
 CGeodeticCoordSysData & CGeodeticCoordSysData::operator=(CGeodeticCoordSysData const & other)
 {
+  if (&other == this)
+    return *this;
   AssignFields(other);
+  SetVerticalReference(other.m_verticalReference.get());
   return *this;
+}
+
+void CGeodeticCoordSysData::SetVerticalReference(VR::CVerticalReference const * reference)
+{
+  if (!reference)
+    m_verticalReference.reset();
+  else if (m_verticalReference)
+    *m_verticalReference = *reference;
+  else
+    m_verticalReference = std::make_unique<VR::CVerticalReference>(*reference);
+}
+
+bool CGeodeticCoordSysData::operator==(CGeodeticCoordSysData const & other) const
+{
+  if (!SameFields(other))
+    return false;
+  auto const * mine = m_verticalReference.get();
+  auto const * theirs = other.m_verticalReference.get();
+  return mine && theirs ? *mine == *theirs : mine == theirs;
+}
+
+bool CGeodeticCoordSysData::FieldsNearlyEqual(CCoordSysData const & other, CString & why) const
+{
+  auto const & geodetic = static_cast<CGeodeticCoordSysData const &>(other);
+  auto const * mine = m_verticalReference.get();
+  auto const * theirs = geodetic.m_verticalReference.get();
+  if (!mine != !theirs) {
+    why += CString(": both geodetic coord systems do not have valid vertical references");
+    return false;
+  }
+  if (!TDatumSystemData::FieldsNearlyEqual(other, why))
+    return false;
+  CString detail;
+  if (mine && !mine->IsNearlyEqual(*theirs, detail)) {
+    why += CString(": vertical references do not match ") + detail;
+    return false;
+  }
+  return true;
+}
+
+void CGeodeticCoordSysData::CongealInner()
+{
+  // Field order: envelope, datum, vertical reference, point style.
+  m_envelope.Congeal();
+  m_datum.Congeal();
+  if (m_verticalReference)
+    m_verticalReference->Congeal();
+  m_style.Congeal();
 }
 
 void CGeodeticCoordSysData::SetPointStyle(ML::CCoordPoint const & style)
@@ -263,7 +322,10 @@ bool CGeodeticCoordSysData::FromGeodeticBase(double & x, double &) const
 bool CGeodeticCoordSysData::IsFullyDefined(DB::CDataSource const * source) const
 {
   bool const base = CSerializableData::IsFullyDefined(source);
-  CheckReferences(source, "CGeodeticCoordSysData::IsFullyDefined");
+  char const * const location = "CGeodeticCoordSysData::IsFullyDefined";
+  CheckReferences(source, location);
+  if (m_verticalReference)
+    CheckReference(*m_verticalReference, source, location, "VerticalReference", "VerticalReference");
   return base;
 }
 
@@ -447,6 +509,10 @@ void CProjectedCoordSysData::CongealInner()
 // Handles
 
 CCoordSys::~CCoordSys() = default;
+
+template class TCoordSysHandle<CGeocentricCoordSysData>;
+template class TCoordSysHandle<CGeodeticCoordSysData>;
+template class TCoordSysHandle<CProjectedCoordSysData>;
 
 bool CCoordSys::IsNearlyEqual(CCoordSys const & other) const
 {

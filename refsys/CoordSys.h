@@ -5,6 +5,7 @@
 #include <velmora/measures/Envelope.h>
 #include <velmora/projections/Projection.h>
 #include <velmora/refsys/HorizontalDatum.h>
+#include <velmora/vertical/VerticalReference.h>
 
 #include <memory>
 
@@ -115,10 +116,16 @@ public:
   static constexpr long kRootGroup = 1200;
 
   CGeodeticCoordSysData() = default;
-  CGeodeticCoordSysData(CGeodeticCoordSysData const &) = default;
+  CGeodeticCoordSysData(CGeodeticCoordSysData const & other);
+  ~CGeodeticCoordSysData() override;
   virtual CGeodeticCoordSysData & operator=(CGeodeticCoordSysData const & other);
 
   ECoordSysType GetType() const override { return kGeodeticCoordSys; }
+  // Optional: null means heights are not tied to any reference of their own.
+  VR::CVerticalReference const * GetVerticalReference() const { return m_verticalReference.get(); }
+  VR::CVerticalReference * GetVerticalReference() { return m_verticalReference.get(); }
+  // Keeps a private copy; null lets go of the one held.
+  void SetVerticalReference(VR::CVerticalReference const * reference);
   void SetPointStyle(ML::CCoordPoint const & style) override;
   // One addition each way, with no envelope test: the fast path.
   bool ToGeodeticBase(double & x, double & y) const override;
@@ -126,8 +133,15 @@ public:
   bool FromGeodeticBase(double & x, double & y) const override;
   bool FromGeodeticBase(ML::CGeodeticPoint const & in, ML::CCoordPoint & out) const override;
 
-  bool operator==(CGeodeticCoordSysData const & other) const { return SameFields(other); }
+  bool operator==(CGeodeticCoordSysData const & other) const;
   bool IsFullyDefined(DB::CDataSource const * source) const override;
+  void CongealInner();
+
+protected:
+  bool FieldsNearlyEqual(CCoordSysData const & other, CString & why) const override;
+
+private:
+  std::unique_ptr<VR::CVerticalReference> m_verticalReference;
 };
 
 class CGeodeticCoordSys;
@@ -246,9 +260,27 @@ protected:
   explicit TCoordSysHandle(Data const & body) : THandle<Data, CCoordSys>(body) {}
 
 private:
-  CCoordSysData const & GetCoordSysData() const override { return this->Body(); }
-  CCoordSysData & GetCoordSysData() override { return this->MutableBody(); }
+  // Out of line and instantiated once in the library: user programs that
+  // call them devirtualised must find them exported.
+  CCoordSysData const & GetCoordSysData() const override;
+  CCoordSysData & GetCoordSysData() override;
 };
+
+template <class Data>
+CCoordSysData const & TCoordSysHandle<Data>::GetCoordSysData() const
+{
+  return this->Body();
+}
+
+template <class Data>
+CCoordSysData & TCoordSysHandle<Data>::GetCoordSysData()
+{
+  return this->MutableBody();
+}
+
+extern template class VELMORA_API TCoordSysHandle<CGeocentricCoordSysData>;
+extern template class VELMORA_API TCoordSysHandle<CGeodeticCoordSysData>;
+extern template class VELMORA_API TCoordSysHandle<CProjectedCoordSysData>;
 
 class VELMORA_API CGeocentricCoordSys : public TCoordSysHandle<CGeocentricCoordSysData>
 {
@@ -277,6 +309,10 @@ public:
   void SetHorizontalDatum(CHorizontalDatum const & datum) { MutableBody().SetHorizontalDatum(datum); }
   // The datum where it lies, for projections that borrow it without a copy.
   CHorizontalDatum const * GetHorizontalDatumPointer() const { return &Body().GetHorizontalDatum(); }
+  VR::CVerticalReference const * GetVerticalReference() const { return Body().GetVerticalReference(); }
+  VR::CVerticalReference * GetVerticalReference() { return MutableBody().GetVerticalReference(); }
+  void SetVerticalReference(VR::CVerticalReference const * reference) { MutableBody().SetVerticalReference(reference); }
+  void SetVerticalReference(VR::CVerticalReference const & reference) { SetVerticalReference(&reference); }
   bool operator==(CGeodeticCoordSys const & other) const { return Body() == other.Body(); }
   bool operator!=(CGeodeticCoordSys const & other) const { return !(*this == other); }
   void Congeal() override;

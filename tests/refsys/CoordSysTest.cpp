@@ -3,6 +3,7 @@
 #include <velmora/datasource/CDataSource.h>
 #include <velmora/projections/Cylindrical.h>
 #include <velmora/refsys/CoordSys.h>
+#include <velmora/vertical/VerticalDatum.h>
 
 #include <gtest/gtest.h>
 
@@ -186,6 +187,76 @@ TEST(CoordSys, ComparisonTexts)
   p.GetProjection();
   q.GetProjection();
   EXPECT_TRUE(p.IsNearlyEqual(q));
+}
+
+TEST(GeodeticCoordSys, OptionalVerticalReference)
+{
+  CGeodeticCoordSys a, b;
+  a.SetHorizontalDatum(Wgs84Datum());
+  b.SetHorizontalDatum(Wgs84Datum());
+  EXPECT_EQ(a.GetVerticalReference(), nullptr);
+
+  VR::CVerticalReference navd88;
+  std::unique_ptr<VR::CVerticalDatum> datum(
+    VR::CVerticalDatumFactory::CreateVerticalDatum(VR::CVerticalDatum::kNAVD88));
+  navd88.SetVerticalDatum(datum.get());
+  a.SetVerticalReference(navd88);
+  // A private copy: the caller's reference may change or go.
+  ASSERT_NE(a.GetVerticalReference(), nullptr);
+  EXPECT_NE(a.GetVerticalReference(), &navd88);
+  navd88.SetVerticalDatum(nullptr);
+  ASSERT_NE(a.GetVerticalReference()->GetVerticalDatum(), nullptr);
+
+  // Presence is compared before the datums, the references after them.
+  CString why;
+  EXPECT_FALSE(a.IsNearlyEqual(b, why));
+  EXPECT_EQ(why, CString(": both geodetic coord systems do not have valid vertical references"));
+  EXPECT_FALSE(a == b);
+  b.SetVerticalReference(navd88);
+  why.clear();
+  EXPECT_FALSE(a.IsNearlyEqual(b, why));
+  EXPECT_TRUE(why.startsWith(QStringLiteral(": vertical references do not match : vertical datum is not defined")))
+    << why.toStdString();
+  CHorizontalDatum other = Wgs84Datum();
+  other.GetEllipsoid().GetSemiMajor().SetValue(6378388.0);
+  b.SetHorizontalDatum(other);
+  why.clear();
+  EXPECT_FALSE(a.IsNearlyEqual(b, why));
+  EXPECT_TRUE(why.startsWith(QStringLiteral(": horizontal datums do not match"))) << why.toStdString();
+
+  // Copies carry their own reference; equal until one of them changes.
+  CGeodeticCoordSys c(a);
+  EXPECT_TRUE(c == a);
+  EXPECT_TRUE(c.IsNearlyEqual(a));
+  c.SetVerticalReference(nullptr);
+  EXPECT_EQ(c.GetVerticalReference(), nullptr);
+  EXPECT_NE(a.GetVerticalReference(), nullptr);
+  EXPECT_FALSE(c == a);
+
+  // A projected system reaches it through its geodetic base.
+  CProjectedCoordSys projected;
+  projected.SetGeodeticCoordSys(a);
+  ASSERT_NE(projected.GetGeodeticCoordSys().GetVerticalReference(), nullptr);
+
+  // Completeness asks for the reference after the datum, only where there is one.
+  CEnvelope envelope;
+  envelope.GetIdentifiers().Add("VM", "WORLD");
+  CGeodeticPoint style(3);
+  style.GetIdentifiers().Add("VM", "LL");
+  CHorizontalDatum identified = Wgs84Datum();
+  identified.GetIdentifiers().Add("VM", "WGS84");
+  a.GetIdentifiers().Add("VM", "LL84-NAVD88");
+  a.SetEnvelope(envelope);
+  a.SetPointStyle(style);
+  a.SetHorizontalDatum(identified);
+  auto const e = Raised([&] { a.IsFullyDefined(nullptr); });
+  EXPECT_EQ(e.GetErrorCode(), 25);
+  EXPECT_EQ(e.GetDetails(), CString("VerticalReference"));
+  EXPECT_EQ(e.GetLocation(), CString("CGeodeticCoordSysData::IsFullyDefined"));
+  a.GetVerticalReference()->GetIdentifiers().Add("VM", "NAVD88");
+  EXPECT_NO_THROW(a.IsFullyDefined(nullptr));
+  a.SetVerticalReference(nullptr);
+  EXPECT_NO_THROW(a.IsFullyDefined(nullptr));
 }
 
 TEST(CoordSys, Completeness)
