@@ -46,6 +46,7 @@
 #include <velmora/projections/WorldMap.h>
 
 // Transforms
+#include <velmora/transforms/CoordTransform.h>
 #include <velmora/transforms/datumshifts/DatumShift.h>
 #include <velmora/transforms/datumshifts/DatumShiftCollection.h>
 #include <velmora/transforms/datumshifts/DatumShiftInfo.h>

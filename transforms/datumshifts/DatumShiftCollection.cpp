@@ -251,28 +251,58 @@ bool CDatumShiftCollectionDataConcrete::ShiftBack(double & lon, double & lat) co
 }
 
 // Each step reads what the last one wrote; the input itself is never touched,
-// so a failure part way leaves nothing to undo.
-bool CDatumShiftCollectionDataConcrete::ShiftForward(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out) const
+// so a failure part way leaves nothing to undo. Locations count by index in
+// both directions: location i + 1 is right after item i.
+void CDatumShiftCollectionDataConcrete::Walk(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out, bool forward,
+                                             CChainHeightAdjustment const * adjustment) const
 {
   ML::CGeodeticPoint first(in.GetDimensions()), second(in.GetDimensions());
   CopyInternals(in, second);
-  for (auto const & item : m_items) {
+  long const count = Count();
+  for (long step = 0; step < count; ++step) {
+    long const i = forward ? step : count - 1 - step;
     CopyInternals(second, first);
-    item->ShiftForward(first, second);
+    if (forward)
+      m_items[i]->ShiftForward(first, second);
+    else
+      m_items[i]->ShiftBack(first, second);
+    if (adjustment && i + 1 == adjustment->location)
+      CS::VR::CVerticalReference::AdjustHeight(adjustment->from, adjustment->to, adjustment->mode, second);
   }
   CopyInternals(second, out);
+}
+
+bool CDatumShiftCollectionDataConcrete::ShiftForward(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out) const
+{
+  Walk(in, out, true, nullptr);
   return true;
 }
 
 bool CDatumShiftCollectionDataConcrete::ShiftBack(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out) const
 {
-  ML::CGeodeticPoint first(in.GetDimensions()), second(in.GetDimensions());
-  CopyInternals(in, second);
-  for (auto item = m_items.rbegin(); item != m_items.rend(); ++item) {
-    CopyInternals(second, first);
-    (*item)->ShiftBack(first, second);
-  }
-  CopyInternals(second, out);
+  Walk(in, out, false, nullptr);
+  return true;
+}
+
+bool CDatumShiftCollectionDataConcrete::ShiftForward(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out,
+                                                     CS::VR::CVerticalReference const * from,
+                                                     CS::VR::CVerticalReference const * to,
+                                                     CS::VR::CVerticalReference::VertAdjustMode mode,
+                                                     long location) const
+{
+  CChainHeightAdjustment const adjustment{from, to, mode, location};
+  Walk(in, out, true, &adjustment);
+  return true;
+}
+
+bool CDatumShiftCollectionDataConcrete::ShiftBack(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out,
+                                                  CS::VR::CVerticalReference const * from,
+                                                  CS::VR::CVerticalReference const * to,
+                                                  CS::VR::CVerticalReference::VertAdjustMode mode,
+                                                  long location) const
+{
+  CChainHeightAdjustment const adjustment{from, to, mode, location};
+  Walk(in, out, false, &adjustment);
   return true;
 }
 

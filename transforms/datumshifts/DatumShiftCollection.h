@@ -9,12 +9,23 @@
 // tells which kind of body answered).
 #include <velmora/foundation/CDataObjectPtr.h>
 #include <velmora/transforms/datumshifts/DatumShift.h>
+#include <velmora/vertical/VerticalReference.h>
 
 #include <deque>
 #include <memory>
 #include <vector>
 
 namespace Velmora::CT::DS {
+
+// The height adjustment a chain makes on its way: after the shift numbered
+// `location` (1 is right after the first item, by index in both directions).
+struct CChainHeightAdjustment
+{
+  CS::VR::CVerticalReference const * from = nullptr;
+  CS::VR::CVerticalReference const * to = nullptr;
+  CS::VR::CVerticalReference::VertAdjustMode mode = CS::VR::CVerticalReference::kNoAdjustment;
+  long location = -1;
+};
 
 class VELMORA_API CDatumShiftCollectionData : public CDataObject
 {
@@ -51,8 +62,15 @@ public:
   // Code 48 outside 0 to Count() - 1.
   virtual bool GetItem(long index, CDatumShift ** shift) const = 0;
   // Through every shift in order; a shift's failure passes through unchanged.
+  // With the height adjusted from `from` to `to` right after shift `location`.
+  virtual bool ShiftForward(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out,
+                            CS::VR::CVerticalReference const * from, CS::VR::CVerticalReference const * to,
+                            CS::VR::CVerticalReference::VertAdjustMode mode, long location) const = 0;
   virtual bool ShiftForward(double & lon, double & lat) const = 0;
   virtual bool ShiftForward(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out) const = 0;
+  virtual bool ShiftBack(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out,
+                         CS::VR::CVerticalReference const * from, CS::VR::CVerticalReference const * to,
+                         CS::VR::CVerticalReference::VertAdjustMode mode, long location) const = 0;
   virtual bool ShiftBack(double & lon, double & lat) const = 0;
   virtual bool ShiftBack(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out) const = 0;
   virtual void Congeal() = 0;
@@ -96,8 +114,14 @@ public:
   bool GetNext(CDatumShift ** shift) const override;
   bool GetPrev(CDatumShift ** shift) const override;
   bool GetItem(long index, CDatumShift ** shift) const override;
+  bool ShiftForward(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out, CS::VR::CVerticalReference const * from,
+                    CS::VR::CVerticalReference const * to, CS::VR::CVerticalReference::VertAdjustMode mode,
+                    long location) const override;
   bool ShiftForward(double & lon, double & lat) const override;
   bool ShiftForward(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out) const override;
+  bool ShiftBack(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out, CS::VR::CVerticalReference const * from,
+                 CS::VR::CVerticalReference const * to, CS::VR::CVerticalReference::VertAdjustMode mode,
+                 long location) const override;
   bool ShiftBack(double & lon, double & lat) const override;
   bool ShiftBack(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out) const override;
   // Every item made private, so that the chain outlives its data source.
@@ -105,6 +129,9 @@ public:
 
 private:
   void CopyItemsOf(CDatumShiftCollectionData const & other);
+  // One walk for all four point forms; a null adjustment adjusts nothing.
+  void Walk(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out, bool forward,
+            CChainHeightAdjustment const * adjustment) const;
   // Gives the item at the cursor, or false and null when the cursor is off the items.
   bool AtCursor(long cursor, CDatumShift ** shift) const;
 
@@ -158,8 +185,19 @@ public:
   bool GetPrev(CDatumShift ** shift) const override;
   bool GetItem(long index, CDatumShift ** shift) const override;
   // A stored view converts nothing: a transform makes its body concrete first.
+  bool ShiftForward(ML::CGeodeticPoint const &, ML::CGeodeticPoint &, CS::VR::CVerticalReference const *,
+                    CS::VR::CVerticalReference const *, CS::VR::CVerticalReference::VertAdjustMode,
+                    long) const override
+  {
+    return false;
+  }
   bool ShiftForward(double &, double &) const override { return false; }
   bool ShiftForward(ML::CGeodeticPoint const &, ML::CGeodeticPoint &) const override { return false; }
+  bool ShiftBack(ML::CGeodeticPoint const &, ML::CGeodeticPoint &, CS::VR::CVerticalReference const *,
+                 CS::VR::CVerticalReference const *, CS::VR::CVerticalReference::VertAdjustMode, long) const override
+  {
+    return false;
+  }
   bool ShiftBack(double &, double &) const override { return false; }
   bool ShiftBack(ML::CGeodeticPoint const &, ML::CGeodeticPoint &) const override { return false; }
   void Congeal() override {}
@@ -211,6 +249,18 @@ public:
   }
   bool ShiftBack(double & lon, double & lat) const { return m_data->ShiftBack(lon, lat); }
   bool ShiftBack(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out) const { return m_data->ShiftBack(in, out); }
+  bool ShiftForward(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out, CS::VR::CVerticalReference const * from,
+                    CS::VR::CVerticalReference const * to, CS::VR::CVerticalReference::VertAdjustMode mode,
+                    long location) const
+  {
+    return m_data->ShiftForward(in, out, from, to, mode, location);
+  }
+  bool ShiftBack(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out, CS::VR::CVerticalReference const * from,
+                 CS::VR::CVerticalReference const * to, CS::VR::CVerticalReference::VertAdjustMode mode,
+                 long location) const
+  {
+    return m_data->ShiftBack(in, out, from, to, mode, location);
+  }
   void Congeal() { m_data->Congeal(); }
   bool IsFullyDefined(DB::CDataSource const * source) const { return m_data->IsFullyDefined(source); }
 

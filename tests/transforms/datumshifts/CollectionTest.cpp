@@ -103,6 +103,42 @@ TEST(DatumShiftChain, HeightTravelsWhenBothEndsHaveOne)
   EXPECT_DOUBLE_EQ(out2.GetLon().GetInternal(), 7.0);
 }
 
+// Mode 1 sets a height to 0, which shows exactly where in the walk it ran.
+TEST(DatumShiftChain, HeightAdjustmentRunsRightAfterItsLocationByIndexBothWays)
+{
+  using CS::VR::CVerticalReference;
+  CVerticalReference const from, to;
+  auto const invalid = CVerticalReference::kInvalidAdjustment;
+  struct Row
+  {
+    long location;
+    bool forward;
+    double height;
+    std::vector<std::string> log;
+  };
+  // Steps of +1, +2, +4 metres; 100 metres in.
+  Row const rows[] = {
+    {2, true, 4.0, Log({"a+", "b+", "c+"})},     // zeroed after b, then c
+    {2, false, -1.0, Log({"c-", "b-", "a-"})},   // after b, its second-to-last step
+    {3, true, 0.0, Log({"a+", "b+", "c+"})},
+    {1, false, 0.0, Log({"c-", "b-", "a-"})},
+    {0, true, 107.0, Log({"a+", "b+", "c+"})},   // location 0 is the transform's business
+    {-1, false, 93.0, Log({"c-", "b-", "a-"})},
+  };
+  for (Row const & row : rows) {
+    Chain chain;
+    chain.a->heightStep = 1.0;
+    chain.b->heightStep = 2.0;
+    chain.c->heightStep = 4.0;
+    CGeodeticPoint out(3);
+    CGeodeticPoint const in(0.0, 0.0, 100.0);
+    EXPECT_TRUE(row.forward ? chain.shifts.ShiftForward(in, out, &from, &to, invalid, row.location)
+                            : chain.shifts.ShiftBack(in, out, &from, &to, invalid, row.location));
+    EXPECT_EQ(out.GetHgt().GetInternal(), row.height) << row.location << (row.forward ? " forward" : " back");
+    EXPECT_EQ(chain.log, row.log);
+  }
+}
+
 TEST(DatumShiftChain, FailureOfAShiftPassesThroughAndStopsTheChain)
 {
   Chain chain;

@@ -21,6 +21,8 @@ public:
 
   Type GetType() const override { return kGeocentricTranslation; }
 
+  // Metres added to a height from source to destination, taken off the other way.
+  double heightStep = 0.0;
   mutable int pointCalls = 0;
   mutable int pairCalls = 0;
 
@@ -50,7 +52,7 @@ private:
     lat += sign * m_dLat;
     return true;
   }
-  // The height passes unchanged when both points have one.
+  // The height passes, moved by the height step, when both points have one.
   bool Point(Velmora::ML::CGeodeticPoint const & in, Velmora::ML::CGeodeticPoint & out, double sign) const
   {
     ++pointCalls;
@@ -62,6 +64,7 @@ private:
       in.GetInternals(lon, lat);
     lon += sign * m_dLon;
     lat += sign * m_dLat;
+    height += sign * heightStep;
     if (out.GetDimensions() == 3)
       out.SetInternals(lon, lat, height);
     else
