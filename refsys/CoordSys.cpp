@@ -400,11 +400,6 @@ void CProjectedCoordSysData::SetProjection(PJ::CProjection const & projection)
   m_projection->GetParameters(); // hear the parameters' changes ourselves
 }
 
-double CProjectedCoordSysData::MeridianLongitude() const
-{
-  return m_geodetic->GetHorizontalDatum().GetPrimeMeridian().GetLongitude().GetInternal();
-}
-
 bool CProjectedCoordSysData::ToGeodeticBase(ML::CCoordPoint const & in, ML::CGeodeticPoint & out) const
 {
   char const * const location = "CProjectedCoordSys::ToGeodeticBase";
@@ -435,14 +430,18 @@ bool CProjectedCoordSysData::FromGeodeticBase(ML::CGeodeticPoint const & in, ML:
   return result;
 }
 
+// The pair forms are the hot loop of a transform: the envelope is asked
+// once whether it guards at all, and the datum is reached once.
 bool CProjectedCoordSysData::ToGeodeticBase(double & x, double & y) const
 {
   char const * const location = "CProjectedCoordSys::ToGeodeticBase";
-  if (GuardsNative())
+  bool const guarded = !m_envelope.GetAlwaysAccept();
+  if (guarded && GuardsNative())
     CheckInput(m_envelope.InBounds(x, y), location);
+  CHorizontalDatum const & datum = *m_geodetic->GetHorizontalDatumPointer();
   bool const result = Projection().FromPlane(x, y);
-  x += MeridianLongitude();
-  if (GuardsGeodetic())
+  x += datum.GetPrimeMeridian().GetLongitude().GetInternal();
+  if (guarded && GuardsGeodetic())
     CheckOutput(m_envelope.InBounds(x, y), location);
   return result;
 }
@@ -450,11 +449,13 @@ bool CProjectedCoordSysData::ToGeodeticBase(double & x, double & y) const
 bool CProjectedCoordSysData::FromGeodeticBase(double & x, double & y) const
 {
   char const * const location = "CProjectedCoordSys::FromGeodeticBase";
-  if (GuardsGeodetic())
+  bool const guarded = !m_envelope.GetAlwaysAccept();
+  if (guarded && GuardsGeodetic())
     CheckInput(m_envelope.InBounds(x, y), location);
-  x -= MeridianLongitude();
+  CHorizontalDatum const & datum = *m_geodetic->GetHorizontalDatumPointer();
+  x -= datum.GetPrimeMeridian().GetLongitude().GetInternal();
   bool const result = Projection().ToPlane(x, y);
-  if (GuardsNative())
+  if (guarded && GuardsNative())
     CheckOutput(m_envelope.InBounds(x, y), location);
   return result;
 }

@@ -188,7 +188,6 @@ protected:
 private:
   // The projection works on the inner system's datum; lent, not owned.
   PJ::CProjection & Projection() const;
-  double MeridianLongitude() const;
 
   std::unique_ptr<CGeodeticCoordSys> m_geodetic;
   mutable std::unique_ptr<PJ::CProjection> m_projection;

@@ -158,7 +158,14 @@ bool CCoordTransformData::ConvertPoint(ML::CCoordPoint const & in, ML::CCoordPoi
     double x, y;
     in.GetInternals(x, y);
     bool const result = way.forward ? ConvertAhead(x, y) : ConvertBack(x, y);
-    out.SetInternals(x, y);
+    // The two-number write would zero a height; this path must leave it be.
+    if (out.GetDimensions() == 3) {
+      double a, b, height;
+      out.GetInternals(a, b, height);
+      out.SetInternals(x, y, height);
+    } else {
+      out.SetInternals(x, y);
+    }
     return result;
   }
 
