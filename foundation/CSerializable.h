@@ -49,6 +49,8 @@ protected:
   CSerializable & operator=(CSerializable const &) = default;
 
 private:
+  // The store reads and copies bodies of every family through this.
+  friend class DB::CDataSource;
   virtual CSerializableData & GetData() = 0;
   virtual CSerializableData const & GetData() const = 0;
 
