@@ -54,6 +54,13 @@
 #include <velmora/transforms/datumshifts/NationalShifts.h>
 #include <velmora/transforms/datumshifts/ParametricShifts.h>
 
+// Math transforms
+#include <velmora/transforms/mathtransforms/LeastSquaresAdjustor.h>
+#include <velmora/transforms/mathtransforms/MathTransform.h>
+#include <velmora/transforms/mathtransforms/Matrix2D.h>
+#include <velmora/transforms/mathtransforms/OldSchool.h>
+#include <velmora/transforms/mathtransforms/Polynomial2D.h>
+
 // Vertical
 #include <velmora/vertical/HeightModel.h>
 #include <velmora/vertical/HeightModels.h>
