@@ -33,6 +33,7 @@
 #include <velmora/refsys/HorizontalDatum.h>
 #include <velmora/refsys/PrimeMeridian.h>
 #include <velmora/refsys/CoordSys.h>
+#include <velmora/refsys/FittedCoordSys.h>
 
 // Projections
 #include <velmora/projections/Azimuthal.h>

@@ -47,11 +47,6 @@ constexpr EObjectType KindOf()
 // The text of code 24: where the store looked.
 CString Path(CString const & issuer, CString const & code) { return issuer + "/" + "name/" + code; }
 
-CString const & VMCode(CSerializableData const & body)
-{
-  static CString const none;
-  return body.GetIdentifiers().Exists(CString(kVM)) ? body.GetIdentifiers().GetItem(CString(kVM)) : none;
-}
 } // namespace
 
 // Construction

@@ -4,7 +4,9 @@
 // system's own horizontal datum, height in metres.
 #include <velmora/measures/Envelope.h>
 #include <velmora/projections/Projection.h>
+#include <velmora/measures/CoordPointCollection.h>
 #include <velmora/refsys/HorizontalDatum.h>
+#include <velmora/transforms/mathtransforms/MathTransform.h>
 #include <velmora/vertical/VerticalReference.h>
 
 #include <memory>
@@ -344,12 +346,23 @@ private:
   explicit CProjectedCoordSys(CProjectedCoordSysData const & body) : TCoordSysHandle(body) {}
 };
 
+class CFittedCoordSys;
+
 class VELMORA_API CCoordSysFactory
 {
 public:
   // A new default system of that kind; the caller owns it.
   static CCoordSys * CreateCoordSys(ECoordSysType type);
   static CCoordSys * CreateCoordSys(int type) { return CreateCoordSys(static_cast<ECoordSysType>(type)); }
+  // A system fitted to `base` by control points `from` (its own) and `to`
+  // (the base's). With `transformType` -1 and a rectangle of `first` by
+  // `second` the best polynomial that survives a round trip within `limit`
+  // is chosen. The caller owns the result.
+  static CFittedCoordSys * CreateFittedCoordSys(CCoordSys const * base, ML::ECoordPointType pointType,
+                                                CT::MT::CMathTransform::Type transformType,
+                                                ML::CCoordPointCollection const & from,
+                                                ML::CCoordPointCollection const & to, int first, int second,
+                                                double limit);
 };
 
 } // namespace Velmora::CS

@@ -2,6 +2,7 @@
 
 #include <velmora/datasource/SourceLookup_p.h>
 #include <velmora/foundation/VelmoraException.h>
+#include <velmora/refsys/FittedCoordSys.h>
 
 namespace Velmora::CT {
 
@@ -267,6 +268,12 @@ CVerticalReference const * CCoordTransformData::GetVerticalReferenceOf(CS::CCoor
     default: return nullptr;
     }
   };
+  if (system.GetType() == CS::kFittedCoordSys) {
+    CS::CCoordSys const * base = static_cast<CS::CFittedCoordSys const &>(system).GetBaseCoordSys();
+    if (!base || base->GetType() == CS::kFittedCoordSys)
+      return nullptr;
+    return ofSystem(*base);
+  }
   return ofSystem(system);
 }
 
@@ -370,6 +377,7 @@ bool SystemsDiffer(CS::CCoordSys const * mine, CS::CCoordSys const * theirs)
   if (!theirs)
     return true;
   switch (mine->GetType()) {
+  case CS::kFittedCoordSys: return Differ<CS::CFittedCoordSys>(*mine, *theirs);
   case CS::kGeocentricCoordSys: return Differ<CS::CGeocentricCoordSys>(*mine, *theirs);
   case CS::kGeodeticCoordSys: return Differ<CS::CGeodeticCoordSys>(*mine, *theirs);
   case CS::kProjectedCoordSys: return Differ<CS::CProjectedCoordSys>(*mine, *theirs);

@@ -71,6 +71,17 @@ void TGroup<Body, Data>::Assign(CSerializableDataDB & target, CSerializableData 
 }
 
 template <class Body, class Data>
+bool TGroup<Body, Data>::NearlyEqual(CSerializableData const & stored, CSerializableData const & other) const
+{
+  auto const * a = dynamic_cast<Data const *>(&stored);
+  auto const * b = dynamic_cast<Data const *>(&other);
+  if (!a || !b)
+    return false;
+  CString why;
+  return a->IsNearlyEqual(*b, why);
+}
+
+template <class Body, class Data>
 Body & TGroup<Body, Data>::Entry(CString const & code)
 {
   // A second object of the same code replaces the first, as a reader meets them.

@@ -6,6 +6,7 @@
 #include <velmora/measures/Units.h>
 #include <velmora/refsys/CoordSys.h>
 #include <velmora/refsys/Ellipsoid.h>
+#include <velmora/refsys/FittedCoordSys.h>
 #include <velmora/refsys/HorizontalDatum.h>
 #include <velmora/refsys/PrimeMeridian.h>
 #include <velmora/transforms/CoordTransform.h>
@@ -43,6 +44,7 @@ VELMORA_STORE_GROUP(GeocentricCoordSys, CS::CGeocentricCoordSysData, CS::CGeocen
                     kObjectGeocentricCoordSys)
 VELMORA_STORE_GROUP(ProjectedCoordSys, CS::CProjectedCoordSysData, CS::CProjectedCoordSysDataDB,
                     kObjectProjectedCoordSys)
+VELMORA_STORE_GROUP(FittedCoordSys, CS::CFittedCoordSysData, CS::CFittedCoordSysDataDB, kObjectFittedCoordSys)
 VELMORA_STORE_GROUP(CoordTransform, CT::CCoordTransformData, CT::CCoordTransformDataDB, kObjectCoordTransform)
 
 #undef VELMORA_STORE_GROUP

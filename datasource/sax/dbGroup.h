@@ -35,6 +35,8 @@ public:
                                                         CDataSource const * store) const = 0;
   // Copies the family's fields and the frame of `source` into `target`.
   virtual void Assign(CSerializableDataDB & target, CSerializableData const & source) const = 0;
+  // By the rules of the family's own comparison.
+  virtual bool NearlyEqual(CSerializableData const & stored, CSerializableData const & other) const = 0;
   // The stored bodies by "VM" code, in code order.
   virtual void ForEach(std::function<void(CSerializableDataDB &)> const & visit) = 0;
   virtual long Size() const = 0;
@@ -84,6 +86,7 @@ public:
   std::unique_ptr<CSerializableDataDB> MakeBody(CSerializableData const & source,
                                                 CDataSource const * store) const override;
   void Assign(CSerializableDataDB & target, CSerializableData const & source) const override;
+  bool NearlyEqual(CSerializableData const & stored, CSerializableData const & other) const override;
   void ForEach(std::function<void(CSerializableDataDB &)> const & visit) override
   {
     for (auto & entry : m_objects)
