@@ -52,6 +52,7 @@
 #include <velmora/transforms/datumshifts/GridShifts.h>
 #include <velmora/transforms/datumshifts/NationalShifts.h>
 #include <velmora/transforms/datumshifts/ParametricShifts.h>
+#include <velmora/transforms/mathtransforms/Affine3D.h>
 
 // Vertical
 #include <velmora/vertical/HeightModel.h>
