@@ -20,6 +20,10 @@ constexpr double kPoleNudge = 0.00001;
 // Parts per million to a factor.
 constexpr double kPartsPerMillion = 0.000001;
 
+// Read through the const handle: a shift over a stored body must not take a
+// private copy of it just to look at its values.
+CParameterCollection const & Parameters(CDatumShift const & shift) { return shift.GetParameters(); }
+
 // The rebuild of a method waits for every item and for the least count of its table row.
 bool Ready(CParameterCollection const & p, long leastCount) { return p.AllItemsSet() && p.Count() >= leastCount; }
 
@@ -146,7 +150,7 @@ bool CAffineDatumShift::ShiftDestToSrc(ML::CGeodeticPoint const & in, ML::CGeode
 void CBursaWolfe::OnChange(unsigned short const *)
 {
   // Six, though the method has seven parameters: the count it has always used.
-  CParameterCollection const & p = GetParameters();
+  CParameterCollection const & p = Parameters(*this);
   if (!Ready(p, 6))
     return;
   double const s = ScaleFactor(p);
@@ -158,7 +162,7 @@ void CBursaWolfe::OnChange(unsigned short const *)
 
 void CSevenParameter::OnChange(unsigned short const *)
 {
-  CParameterCollection const & p = GetParameters();
+  CParameterCollection const & p = Parameters(*this);
   if (!Ready(p, 7))
     return;
   double const s = ScaleFactor(p);
@@ -172,7 +176,7 @@ void CSevenParameter::OnChange(unsigned short const *)
 
 void CSixParameter::OnChange(unsigned short const *)
 {
-  CParameterCollection const & p = GetParameters();
+  CParameterCollection const & p = Parameters(*this);
   if (!Ready(p, 6))
     return;
   m_affine.Reset();
@@ -184,7 +188,7 @@ void CSixParameter::OnChange(unsigned short const *)
 
 void CFourParameter::OnChange(unsigned short const *)
 {
-  CParameterCollection const & p = GetParameters();
+  CParameterCollection const & p = Parameters(*this);
   if (!Ready(p, 4))
     return;
   double const s = ScaleFactor(p);
@@ -195,7 +199,7 @@ void CFourParameter::OnChange(unsigned short const *)
 
 void CMolodenskyBadekas::OnChange(unsigned short const *)
 {
-  CParameterCollection const & p = GetParameters();
+  CParameterCollection const & p = Parameters(*this);
   if (!Ready(p, 10))
     return;
   double const s = ScaleFactor(p);
@@ -211,7 +215,7 @@ void CMolodenskyBadekas::OnChange(unsigned short const *)
 
 void CGeocentricTranslation::OnChange(unsigned short const *)
 {
-  CParameterCollection const & p = GetParameters();
+  CParameterCollection const & p = Parameters(*this);
   if (!Ready(p, 3))
     return;
   m_dx = Linear(p, "dx");
@@ -289,7 +293,7 @@ void CGeocentricTranslation::LeastSquaresApproximation(int count, ML::CGeodeticP
 
 void CMolodensky::OnChange(unsigned short const *)
 {
-  CParameterCollection const & p = GetParameters();
+  CParameterCollection const & p = Parameters(*this);
   if (!Ready(p, 3))
     return;
   m_dx = Linear(p, "dx");
@@ -377,7 +381,7 @@ bool CMolodensky::ShiftDestToSrc(double & lon, double & lat) const
 
 void CLongitudeRotation::OnChange(unsigned short const *)
 {
-  CParameterCollection const & p = GetParameters();
+  CParameterCollection const & p = Parameters(*this);
   if (Ready(p, 1))
     m_rotation = p.GetItemInternal(CString("rotation"));
 }
