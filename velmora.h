@@ -54,6 +54,7 @@
 #include <velmora/transforms/datumshifts/GridShifts.h>
 #include <velmora/transforms/datumshifts/NationalShifts.h>
 #include <velmora/transforms/datumshifts/ParametricShifts.h>
+#include <velmora/transforms/mathtransforms/Affine3D.h>
 
 // Math transforms
 #include <velmora/transforms/mathtransforms/LeastSquaresAdjustor.h>

@@ -238,9 +238,11 @@ protected:
   TDatumShift() : Base(CDatumShift::TypeName(TypeValue)) {}
   explicit TDatumShift(CString const & typeName) : Base(typeName) {}
   TDatumShift(TDatumShift const &) = default;
+  // Through the base's own assignment, so that a method built on another
+  // method copies the state that one caches as well.
   TDatumShift & operator=(TDatumShift const & other)
   {
-    CDatumShift::operator=(other);
+    Base::operator=(other);
     return *this;
   }
 };

@@ -216,33 +216,29 @@ TEST(DatumShiftMethods, UnsetParametersAndMissingFiles)
       {row.destPair, [&] { shift->ShiftBack(lon, lat); }},
     };
     for (Call const & call : calls) {
-      auto const e = Raised(call.run);
+      lon = 1.0, lat = 2.0;
       if (!call.location) {
-        // The computation itself is not here yet: never a made-up result.
-        EXPECT_EQ(e.GetErrorCode(), 50) << shift->GetTypeName().toStdString();
+        // This form has no look at the parameters and runs on what it has.
+        EXPECT_NO_THROW(call.run()) << shift->GetTypeName().toStdString();
         continue;
       }
+      auto const e = Raised(call.run);
       EXPECT_EQ(e.GetErrorCode(), row.code) << call.location;
       EXPECT_EQ(e.GetLocation(), CString(call.location));
       EXPECT_EQ(e.GetDetails(), CString(row.details)) << call.location;
+      // The input is never touched by a refused shift.
+      EXPECT_DOUBLE_EQ(lon, 1.0);
+      EXPECT_DOUBLE_EQ(lat, 2.0);
     }
-    // The input is never touched by a refused shift.
-    EXPECT_DOUBLE_EQ(lon, 1.0);
-    EXPECT_DOUBLE_EQ(lat, 2.0);
   }
 }
 
-TEST(DatumShiftMethods, SetParametersOrFoundFilesStillConvertNothing)
+TEST(DatumShiftMethods, FoundFilesStillConvertNothing)
 {
   TempFile const grid("velmora_dshift_grid.gsb");
   DB::CDataSource::SetDataPath(CString());
 
-  std::unique_ptr<CDatumShift> seven(CDatumShiftFactory::CreateDatumShift(CDatumShift::kSevenParameter));
-  seven->GetParameters().SetAllItems();
   CGeodeticPoint out(2);
-  auto const e = Raised([&] { seven->ShiftForward(CGeodeticPoint(1.0, 2.0), out); });
-  EXPECT_EQ(e.GetErrorCode(), 50);
-  EXPECT_EQ(e.GetDetails(), CString("SevenParameter"));
 
   // Found by the name as given, then by the data path kept at construction.
   std::unique_ptr<CDatumShift> byName(CDatumShiftFactory::CreateDatumShift(CDatumShift::kCanadianNTV2));
