@@ -131,6 +131,10 @@ TEST(MathTransformFactory, StoredBodyTakesItsTypeFromText)
   EXPECT_EQ(transform->GetType(), CMathTransform::kCubicPolynomial2D);
   CMathTransform const & reading = *transform;
   EXPECT_EQ(&reading.GetData(), static_cast<CMathTransformData const *>(&body)) << "shared, not copied";
+  transform->Congeal();
+  EXPECT_NE(&reading.GetData(), static_cast<CMathTransformData const *>(&body));
+  EXPECT_EQ(reading.GetData().GetDataObjectType(), kEDataObjectConcrete);
+  EXPECT_EQ(reading.GetParameters().GetData().GetDataObjectType(), kEDataObjectConcrete);
 
   // A store's copy of a caller's transform keeps its type and values.
   auto affine = Make(CMathTransform::kAffine);
