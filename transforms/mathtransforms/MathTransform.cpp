@@ -137,6 +137,12 @@ CParameterCollection & CMathTransform::GetParameters()
 
 void CMathTransform::OnChange(unsigned short const *) {}
 
+void CMathTransform::Congeal()
+{
+  m_data->GetParameters().Congeal();
+  Listen();
+}
+
 CMathTransform & CMathTransform::operator=(CMathTransform const & other)
 {
   if (&other == this)

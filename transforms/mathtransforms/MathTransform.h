@@ -125,6 +125,8 @@ public:
   bool IsNearlyEqual(CMathTransform const & other, CString & why) const;
   bool IsNearlyEqual(CMathTransform const & other) const;
   bool IsFullyDefined(DB::CDataSource const * source = nullptr) const { return GetData().IsFullyDefined(source); }
+  // A private body with private parameters, so that the transform outlives a store it came from.
+  void Congeal();
 
   CParameterCollection const & GetParameters() const { return m_data->GetParameters(); }
   // Writable parameters; this transform hears of every change.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 namespace Velmora::CT::MT {
@@ -57,15 +58,19 @@ double CMathTransformOldSchool::Basis(int column, double x, double y)
   }
 }
 
+// Reads through the const handle, so that a stored body stays shared.
 void CMathTransformOldSchool::Rebuild()
 {
-  CParameterCollection const & parameters = GetParameters();
+  CParameterCollection const & parameters = std::as_const(*this).GetParameters();
+  int const type = GetType();
   m_ready = parameters.AllItemsSet();
+  // A body taken from another type may lack some of this class's coefficients.
+  for (int k = 0; k < Columns() && m_ready; ++k)
+    m_ready = parameters.Exists(CString(XName(type, k))) && parameters.Exists(CString(YName(type, k)));
   m_cx.fill(0.0);
   m_cy.fill(0.0);
   if (!m_ready)
     return;
-  int const type = GetType();
   for (int k = 0; k < Columns(); ++k) {
     m_cx[static_cast<size_t>(k)] = parameters.GetDouble(CString(XName(type, k)));
     m_cy[static_cast<size_t>(k)] = parameters.GetDouble(CString(YName(type, k)));

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <utility>
 
 namespace Velmora::CT::MT {
 
@@ -167,24 +168,31 @@ void CLinearPolynomial2D::CopyMatrixToParameters(CMatrix2D const * matrix)
     WriteSolvedParameter(names[i], matrix->GetCell(static_cast<long>(i)));
 }
 
+// Reading goes through the const handle, so that a stored body stays shared.
 void CLinearPolynomial2D::ReadSettings()
 {
-  CParameterCollection const & parameters = GetParameters();
+  CParameterCollection const & parameters = std::as_const(*this).GetParameters();
   CString const iterations(Table::kMaxIterations), threshold(Table::kConvergenceThreshold),
     direct(Table::kDirectSolution);
-  if (parameters.IsItemSet(iterations) && parameters.GetLong(iterations) > 0)
+  // A stored body need not hold the optional settings at all.
+  auto const given = [&](CString const & name) { return parameters.Exists(name) && parameters.IsItemSet(name); };
+  if (given(iterations) && parameters.GetLong(iterations) > 0)
     SetMaxIterations(parameters.GetLong(iterations));
-  if (parameters.IsItemSet(threshold) && parameters.GetDouble(threshold) > 0.0)
+  if (given(threshold) && parameters.GetDouble(threshold) > 0.0)
     SetConvergenceThreshold(parameters.GetDouble(threshold));
-  if (parameters.IsItemSet(direct))
+  if (given(direct))
     m_direct = parameters.GetLong(direct) > 0;
 }
 
 void CLinearPolynomial2D::Rebuild()
 {
-  CParameterCollection const & parameters = GetParameters();
+  CParameterCollection const & parameters = std::as_const(*this).GetParameters();
   ReadSettings();
-  if (!parameters.AllItemsSet() || parameters.Count() <= 5) {
+  // A body taken from another type, or read from a file that lacks a term,
+  // leaves the transform unable to compute rather than half built.
+  std::vector<CString> const names = Table::CoefficientNames(m_degree);
+  bool const complete = std::all_of(names.begin(), names.end(), [&](CString const & n) { return parameters.Exists(n); });
+  if (!complete || !parameters.AllItemsSet() || parameters.Count() <= 5) {
     m_coefficients = CMatrix2D(0, 1);
     return;
   }
@@ -202,7 +210,7 @@ void CLinearPolynomial2D::OnChange(unsigned short const * name)
 {
   if (IsWritingSolution())
     return;
-  CParameterCollection const & parameters = GetParameters();
+  CParameterCollection const & parameters = std::as_const(*this).GetParameters();
   if (Named(name, Table::kMaxIterations)) {
     SetMaxIterations(parameters.GetLong(CString(name)));
     return;
