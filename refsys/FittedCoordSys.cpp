@@ -196,6 +196,9 @@ void CFittedCoordSysData::CongealInner()
   m_style->Congeal();
   if (m_base)
     m_base->Congeal();
+  for (auto * transform : {m_ahead.get(), m_back.get()})
+    if (transform)
+      transform->Congeal();
   m_envelope.Congeal();
 }
 
