@@ -303,15 +303,28 @@ double BEllipsoid::AuthalicRadius(double lat1, double lat2) const
 // ---------------------------------------------------------------------------
 // Geocentric and geodetic coordinates
 
-// Newton iteration on the latitude of p tan(lat) = Z + a e^2 sin(lat)/W,
-// from a first estimate by one fixed-point step off the geocentric latitude.
-// The height is p/cos(lat) - N, ill-conditioned right at the poles.
-void BEllipsoid::ToGeodeticBase(int count, ML::BPoint3D * points) const
+// Newton iteration on p tan(lat) = Z + a e^2 sin(lat)/W, W = sqrt(1 - e^2
+// sin^2 lat), from a first estimate by one fixed-point step off the
+// geocentric latitude. The iteration runs on t = tan(lat), where the equation
+// is algebraic: with sin(lat)/W = t / sqrt(1 + (1 - e^2) t^2),
+//   g(t) = p t - a e^2 t / sqrt(1 + (1 - e^2) t^2) - Z,
+//   g'(t) = p - a e^2 / (1 + (1 - e^2) t^2)^(3/2),
+// and a step of t by dt moves the latitude by atan(dt / (1 + t (t + dt))),
+// which is what the tolerance is measured on. The root is the same as on the
+// latitude itself, without a sine or cosine per step.
+// The height is p sqrt(1 + t^2) - a sqrt((1 + t^2) / (1 + (1 - e^2) t^2)),
+// that is p / cos(lat) - N, ill-conditioned right at the poles.
+void BEllipsoid::ToGeodeticBase(int count, ML::BPoint3D * points) const { ToGeodetic<true>(count, points); }
+
+void BEllipsoid::ToGeodeticLonLat(int count, ML::BPoint3D * points) const { ToGeodetic<false>(count, points); }
+
+template <bool withHeight>
+void BEllipsoid::ToGeodetic(int count, ML::BPoint3D * points) const
 {
   double const a = m_a;
   double const e2 = m_e2;
   double const k = a * e2;
-  double const ratio2 = m_ratio * m_ratio;
+  double const ratio2 = m_ratio * m_ratio; // 1 - e^2
 
   for (int i = 0; i < count; ++i) {
     ML::BPoint3D & pt = points[i];
@@ -326,28 +339,31 @@ void BEllipsoid::ToGeodeticBase(int count, ML::BPoint3D * points) const
     double const q = std::min(ax, ay) / big;
     double const p = std::sqrt(1.0 + q * q) * big;
 
-    double const lat0 = std::atan(Z / (p * ratio2));
-    double const s0 = std::sin(lat0);
-    double lat = std::atan((k * s0 / std::sqrt(1.0 - e2 * s0 * s0) + Z) / p);
+    // tan of the geocentric latitude, then one fixed-point step.
+    double const t0 = Z / (p * ratio2);
+    double const s0 = t0 / std::sqrt(1.0 + t0 * t0);
+    double t = (k * s0 / std::sqrt(1.0 - e2 * s0 * s0) + Z) / p;
 
-    if (std::fabs(lat - lat0) >= kLatitudeTolerance) {
+    // atan(d) and d agree to far below the tolerance wherever it matters.
+    if (std::fabs((t - t0) / (1.0 + t0 * t)) >= kLatitudeTolerance) {
       for (int step = 0; step < kMaxNewtonSteps; ++step) {
-        double const c = std::cos(lat);
-        double const s = std::sin(lat);
-        double const w2 = 1.0 - e2 * s * s;
-        double const w = std::sqrt(w2);
-        double const f = (p / c - k / w) * s - Z;
-        double const df = p / (c * c) - k * c * (e2 * s * s / w2 + 1.0) / w;
-        double const next = lat - f / df;
-        bool const done = std::fabs(lat - next) < kLatitudeTolerance;
-        lat = next;
+        double const r = 1.0 / std::sqrt(1.0 + ratio2 * t * t); // 1 / sqrt(u)
+        double const g = p * t - k * t * r - Z;
+        double const dg = p - k * r * r * r;
+        double const dt = -g / dg;
+        double const next = t + dt;
+        bool const done = std::fabs(dt) < kLatitudeTolerance * std::fabs(1.0 + t * next);
+        t = next;
         if (done)
           break;
       }
     }
 
-    double const s = std::sin(lat);
-    pt.z = p / std::cos(lat) - a / std::sqrt(1.0 - e2 * s * s);
+    double const lat = std::atan(t);
+    if constexpr (withHeight) {
+      double const sec2 = 1.0 + t * t;
+      pt.z = std::sqrt(p * p + (p * t) * (p * t)) - a * std::sqrt(sec2 / (1.0 + ratio2 * t * t));
+    }
     pt.x = std::atan2(Y, X) / kDegree;
     pt.y = lat / kDegree;
   }

@@ -81,6 +81,8 @@ public:
   // degrees, height in metres), in place. Points on the polar axis are
   // outside the domain.
   void ToGeodeticBase(int count, ML::BPoint3D * points) const;
+  // The same without the height, for callers that drop it: z is left as it was.
+  void ToGeodeticLonLat(int count, ML::BPoint3D * points) const;
   // Geodetic (degrees, metres) to geocentric, in place.
   void FromGeodeticBase(int count, ML::BPoint3D * points) const;
 
@@ -108,6 +110,8 @@ public:
                               std::vector<ML::BPoint2D> const & vertices) const;
 
 private:
+  template <bool withHeight>
+  void ToGeodetic(int count, ML::BPoint3D * points) const;
   static void CheckInitError(InitializationErrorCode code, unsigned short const * location);
 
   // Isometric latitude and meridian arc, shared by the rhumb-line pair.

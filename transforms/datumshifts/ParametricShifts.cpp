@@ -35,13 +35,16 @@ CS::BEllipsoid const & SrcEllipsoid(CDatumShift const & shift) { return shift.Ge
 CS::BEllipsoid const & DestEllipsoid(CDatumShift const & shift) { return shift.GetDestDatum().GetEllipsoid().GetInner(); }
 
 // Geodetic in, geocentric through `middle`, geodetic out, all in place.
-template <class Middle>
+template <bool withHeight, class Middle>
 void ThroughGeocentric(CS::BEllipsoid const & from, CS::BEllipsoid const & to, int count, ML::BPoint3D * points,
                        Middle && middle)
 {
   from.FromGeodeticBase(count, points);
   middle(count, points);
-  to.ToGeodeticBase(count, points);
+  if constexpr (withHeight)
+    to.ToGeodeticBase(count, points);
+  else
+    to.ToGeodeticLonLat(count, points);
 }
 
 // The pair forms: one point at height 0 through an array routine; the height
@@ -100,28 +103,33 @@ Locations LocationsOf(CDatumShift::Type type)
 
 // The affine frame
 
-void CAffineDatumShift::ShiftForward(int count, ML::BPoint3D * points) const
+template <bool withHeight>
+void CAffineDatumShift::Forward(int count, ML::BPoint3D * points) const
 {
-  ThroughGeocentric(SrcEllipsoid(*this), DestEllipsoid(*this), count, points,
-                    [this](int n, ML::BPoint3D * p) { m_affine.TransformForward(n, p); });
+  ThroughGeocentric<withHeight>(SrcEllipsoid(*this), DestEllipsoid(*this), count, points,
+                                [this](int n, ML::BPoint3D * p) { m_affine.TransformForward(n, p); });
 }
 
-void CAffineDatumShift::ShiftBack(int count, ML::BPoint3D * points) const
+template <bool withHeight>
+void CAffineDatumShift::Back(int count, ML::BPoint3D * points) const
 {
   // A singular matrix fails before the points are touched.
   m_affine.GetReverse();
-  ThroughGeocentric(DestEllipsoid(*this), SrcEllipsoid(*this), count, points,
-                    [this](int n, ML::BPoint3D * p) { m_affine.TransformReverse(n, p); });
+  ThroughGeocentric<withHeight>(DestEllipsoid(*this), SrcEllipsoid(*this), count, points,
+                                [this](int n, ML::BPoint3D * p) { m_affine.TransformReverse(n, p); });
 }
+
+void CAffineDatumShift::ShiftForward(int count, ML::BPoint3D * points) const { Forward<true>(count, points); }
+void CAffineDatumShift::ShiftBack(int count, ML::BPoint3D * points) const { Back<true>(count, points); }
 
 bool CAffineDatumShift::ShiftSrcToDest(double & lon, double & lat) const
 {
-  return ThroughPair(lon, lat, [this](int n, ML::BPoint3D * p) { ShiftForward(n, p); });
+  return ThroughPair(lon, lat, [this](int n, ML::BPoint3D * p) { Forward<false>(n, p); });
 }
 
 bool CAffineDatumShift::ShiftDestToSrc(double & lon, double & lat) const
 {
-  return ThroughPair(lon, lat, [this](int n, ML::BPoint3D * p) { ShiftBack(n, p); });
+  return ThroughPair(lon, lat, [this](int n, ML::BPoint3D * p) { Back<false>(n, p); });
 }
 
 bool CAffineDatumShift::ShiftSrcToDest(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out) const
@@ -223,30 +231,33 @@ void CGeocentricTranslation::OnChange(unsigned short const *)
   m_dz = Linear(p, "dz");
 }
 
-void CGeocentricTranslation::ShiftForward(int count, ML::BPoint3D * points) const
+// Forward (sign +1) from the source ellipsoid, back (sign -1) from the destination's.
+template <bool withHeight>
+void CGeocentricTranslation::Translate(int count, ML::BPoint3D * points, double sign) const
 {
-  ThroughGeocentric(SrcEllipsoid(*this), DestEllipsoid(*this), count, points, [this](int n, ML::BPoint3D * p) {
+  auto const & from = sign > 0 ? SrcEllipsoid(*this) : DestEllipsoid(*this);
+  auto const & to = sign > 0 ? DestEllipsoid(*this) : SrcEllipsoid(*this);
+  ThroughGeocentric<withHeight>(from, to, count, points, [this, sign](int n, ML::BPoint3D * p) {
     for (int i = 0; i < n; ++i)
-      p[i].x += m_dx, p[i].y += m_dy, p[i].z += m_dz;
+      p[i].x += sign * m_dx, p[i].y += sign * m_dy, p[i].z += sign * m_dz;
   });
 }
 
-void CGeocentricTranslation::ShiftBack(int count, ML::BPoint3D * points) const
+void CGeocentricTranslation::ShiftForward(int count, ML::BPoint3D * points) const
 {
-  ThroughGeocentric(DestEllipsoid(*this), SrcEllipsoid(*this), count, points, [this](int n, ML::BPoint3D * p) {
-    for (int i = 0; i < n; ++i)
-      p[i].x -= m_dx, p[i].y -= m_dy, p[i].z -= m_dz;
-  });
+  Translate<true>(count, points, +1.0);
 }
+
+void CGeocentricTranslation::ShiftBack(int count, ML::BPoint3D * points) const { Translate<true>(count, points, -1.0); }
 
 bool CGeocentricTranslation::ShiftSrcToDest(double & lon, double & lat) const
 {
-  return ThroughPair(lon, lat, [this](int n, ML::BPoint3D * p) { ShiftForward(n, p); });
+  return ThroughPair(lon, lat, [this](int n, ML::BPoint3D * p) { Translate<false>(n, p, +1.0); });
 }
 
 bool CGeocentricTranslation::ShiftDestToSrc(double & lon, double & lat) const
 {
-  return ThroughPair(lon, lat, [this](int n, ML::BPoint3D * p) { ShiftBack(n, p); });
+  return ThroughPair(lon, lat, [this](int n, ML::BPoint3D * p) { Translate<false>(n, p, -1.0); });
 }
 
 bool CGeocentricTranslation::ShiftSrcToDest(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out) const

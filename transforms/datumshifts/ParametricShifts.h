@@ -38,6 +38,13 @@ protected:
   bool ShiftDestToSrc(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out) const override;
 
   MT::CAffine3D m_affine;
+
+private:
+  // The array routines; without heights for the pair forms, which drop them.
+  template <bool withHeight>
+  void Forward(int count, ML::BPoint3D * points) const;
+  template <bool withHeight>
+  void Back(int count, ML::BPoint3D * points) const;
 };
 
 // X' = T + s R X with the small-angle rotation R in the position-vector sense.
@@ -106,6 +113,10 @@ public:
   double GetDx() const { return m_dx; }
   double GetDy() const { return m_dy; }
   double GetDz() const { return m_dz; }
+
+private:
+  template <bool withHeight>
+  void Translate(int count, ML::BPoint3D * points, double sign) const;
 
 protected:
   bool ShiftSrcToDest(double & lon, double & lat) const override;
