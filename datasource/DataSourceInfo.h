@@ -132,6 +132,9 @@ protected:
 inline constexpr char kObjectInfoSetLocation[] = "CObjectInfoSet::GetItem";
 inline constexpr char kGroupInfoSetLocation[] = "CGroupInfoSet::GetItem";
 
+extern template class VELMORA_API TInfoSet<CObjectInfo, kObjectInfoSetLocation>;
+extern template class VELMORA_API TInfoSet<CCategoryInfo, kGroupInfoSetLocation>;
+
 class VELMORA_API CObjectInfoSet : public TInfoSet<CObjectInfo, kObjectInfoSetLocation>
 {
 public:

@@ -1,4 +1,5 @@
 #pragma once
+#include <ostream>
 // Helpers the test programs share.
 #include <velmora/foundation/VelmoraException.h>
 
@@ -7,6 +8,11 @@
 #include <functional>
 #include <string>
 #include <vector>
+
+namespace Velmora {
+// Failure messages show text, not UTF-16 code units.
+inline void PrintTo(CString const & text, std::ostream * out) { *out << '"' << text.toStdString() << '"'; }
+} // namespace Velmora
 
 namespace VelmoraTest {
 
