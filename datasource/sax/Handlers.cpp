@@ -2,6 +2,8 @@
 // the group handlers of the plural elements and the root.
 #include <velmora/datasource/sax/Handlers_p.h>
 
+#include <velmora/datasource/sax/GroupImpl_p.h>
+
 #include <velmora/foundation/VelmoraException.h>
 #include <velmora/projections/Projection.h>
 
