@@ -269,6 +269,9 @@ private:
   bool FindDupeIdentifiers(CSerializable const & object, CString const & authority);
   void CheckEditable(char const * location) const;
   void Clear();
+  // The XML platform, started by the first load and stopped by Clear.
+  static void InitializeXml();
+  static void TerminateXml();
   std::vector<CSerializableDataDB *> Gather(SAX::dbGroup const & group, CFolderListViewItem const & folder,
                                             CString const & filter) const;
   CSerializableDataDB * FindPending(std::vector<dbReference> const & list, long index) const;

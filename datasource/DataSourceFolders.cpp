@@ -138,6 +138,7 @@ void CDataSource::Clear()
   m_pendingHeightModels.clear();
   m_modifications = 0;
   m_loaded = false;
+  TerminateXml();
 }
 
 // Summaries and searches

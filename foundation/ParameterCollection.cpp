@@ -635,4 +635,15 @@ void CParameterCollectionDataDB::SetRecordUnits(CString const & name, ML::CLinea
   value.SetValue(number);
 }
 
+void CParameterCollectionDataDB::AdoptDeclarations(CParameterCollectionData const & declared)
+{
+  for (auto const & [name, item] : declared.Items()) {
+    auto const record = m_records.find(name);
+    if (record == m_records.end())
+      m_records.emplace(name, item);
+    else if (record->second.GetType() == item.GetType())
+      record->second.m_optional = item.IsOptional();
+  }
+}
+
 } // namespace Velmora

@@ -276,6 +276,10 @@ public:
   // another type.
   void SetRecordUnits(CString const & name, ML::CAngularUnit const & units);
   void SetRecordUnits(CString const & name, ML::CLinearUnit const & units);
+  // Completes the records from the declaration of the owner's type: a record
+  // takes the declared optional flag, and a declared item that the file left
+  // out (the writer leaves out unset items) joins as declared.
+  void AdoptDeclarations(CParameterCollectionData const & declared);
 
   using CParameterCollectionData::SetAllItems;
   void Clear() override {}

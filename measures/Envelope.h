@@ -46,7 +46,44 @@ private:
 };
 
 using CEnvelopeDataConcrete = TDataConcrete<CEnvelopeData>;
-using CEnvelopeDataDB = TDataDB<CEnvelopeData>;
+
+// The stored body. Its corners name their point styles, which a data file may
+// define after the envelope: until the end of the file the body keeps the
+// index of each pending style (-1 for none), and the store then fills it in.
+class VELMORA_API CEnvelopeDataDB final : public CEnvelopeData, public CSerializableDataDB
+{
+public:
+  CEnvelopeDataDB() : CSerializableData(CString(), kObjectType, kRootGroup) {}
+  CEnvelopeDataDB(CEnvelopeDataDB const & other)
+    : CSerializableData(other), CEnvelopeData(other), CSerializableDataDB(other), m_minStyleIndex(other.m_minStyleIndex),
+      m_maxStyleIndex(other.m_maxStyleIndex)
+  {
+  }
+  // How a store copies a caller's envelope into itself.
+  CEnvelopeDataDB(CEnvelopeData const & source, DB::CDataSource const *)
+    : CSerializableData(source), CEnvelopeData(source)
+  {
+  }
+  using CEnvelopeData::operator=;
+
+  long GetMinStyleIndex() const { return m_minStyleIndex; }
+  void SetMinStyleIndex(long index) { m_minStyleIndex = index; }
+  long GetMaxStyleIndex() const { return m_maxStyleIndex; }
+  void SetMaxStyleIndex(long index) { m_maxStyleIndex = index; }
+  // A corner's location text, kept until its style is known.
+  CString const & GetMinLocation() const { return m_minLocation; }
+  void SetMinLocation(CString const & text) { m_minLocation = text; }
+  CString const & GetMaxLocation() const { return m_maxLocation; }
+  void SetMaxLocation(CString const & text) { m_maxLocation = text; }
+
+  void SetValue(CString const & key, TWLVariant & value) override { CSerializableDataDB::SetValue(key, value); }
+
+private:
+  long m_minStyleIndex = -1;
+  long m_maxStyleIndex = -1;
+  CString m_minLocation;
+  CString m_maxLocation;
+};
 
 class VELMORA_API CEnvelope : public THandle<CEnvelopeData>
 {

@@ -62,10 +62,12 @@ public:
   bool operator==(CEllipsoidData const & other) const;
   bool IsFullyDefined(DB::CDataSource const * source) const override;
   bool ReadStoredValue(CString const & key, TWLVariant & value);
+  // Derives the figure from the defining values; the reader calls it once per
+  // ellipsoid, after the last of them.
+  void Initialize();
 
 private:
   void Listen();
-  void Initialize();
   static char QuadrantLetterFromPoints(ML::CGeodeticPoint const & a, ML::CGeodeticPoint const & b);
   static bool CoefficientsFromQuadrantLetter(char letter, long & lonSign, long & latSign);
 

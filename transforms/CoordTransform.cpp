@@ -1,5 +1,6 @@
 #include <velmora/transforms/CoordTransform.h>
 
+#include <velmora/datasource/CDataSource.h>
 #include <velmora/datasource/SourceLookup_p.h>
 #include <velmora/foundation/VelmoraException.h>
 #include <velmora/refsys/FittedCoordSys.h>
@@ -489,11 +490,46 @@ CCoordTransformDataDB::CCoordTransformDataDB(CCoordTransformDataDB const & other
   PointAtStoredShifts();
 }
 
-CCoordTransformDataDB::CCoordTransformDataDB(CCoordTransformData const & source, DB::CDataSource const *)
+CCoordTransformDataDB::CCoordTransformDataDB(CCoordTransformData const & source, DB::CDataSource const * store)
   : CSerializableData(source), CCoordTransformData(source),
     m_storedShifts(std::make_unique<DS::CDatumShiftCollectionDataDB>())
 {
+  if (auto const * stored = dynamic_cast<CCoordTransformDataDB const *>(&source))
+    *m_storedShifts = *stored->m_storedShifts;
+  else if (store)
+    ReferStoredObjects(source, *store);
   PointAtStoredShifts();
+}
+
+// A caller's transform refers to its own systems and shifts, which die with
+// it: the stored one refers to the store's objects of the same "VM" codes.
+void CCoordTransformDataDB::ReferStoredObjects(CCoordTransformData const & source, DB::CDataSource const & store)
+{
+  CString const vm("VM");
+  auto const stored = [&](CSerializable const * object, long mask) -> CSerializableDataDB const * {
+    if (!object || !object->GetIdentifiers().Exists(vm))
+      return nullptr;
+    return store.FindObject(mask, vm, object->GetIdentifiers().GetItem(vm));
+  };
+  auto const system = [&](CS::CCoordSys const * object) {
+    CSerializableDataDB const * body = stored(object, kObjectAnyCoordSys);
+    return std::unique_ptr<CS::CCoordSys>(body ? dynamic_cast<CS::CCoordSys *>(DB::CDataSource::ObjectFactory(*body))
+                                               : nullptr);
+  };
+  std::unique_ptr<CS::CCoordSys> from = system(source.GetSrcCoordSys());
+  std::unique_ptr<CS::CCoordSys> to = system(source.GetDestCoordSys());
+  if (from && to)
+    SetSystems(std::move(from), std::move(to));
+  DS::CDatumShiftCollection const & chain = source.GetDatumShifts();
+  if (!chain.IsConcrete())
+    return;
+  for (long i = 0; i < chain.Count(); ++i) {
+    DS::CDatumShift * shift = nullptr; // the chain's own item
+    if (!chain.GetItem(i, &shift) || !shift)
+      continue;
+    if (auto const * body = dynamic_cast<DS::CDatumShiftDataDB const *>(stored(shift, kObjectDatumShift)))
+      m_storedShifts->AddReference(*body, shift->GetReverseUsage());
+  }
 }
 
 CCoordTransformDataDB::~CCoordTransformDataDB() = default;

@@ -132,6 +132,7 @@ public:
 
 private:
   void PointAtStoredShifts();
+  void ReferStoredObjects(CCoordTransformData const & source, DB::CDataSource const & store);
 
   std::unique_ptr<CS::CCoordSys> m_ownedSource;
   std::unique_ptr<CS::CCoordSys> m_ownedDestination;

@@ -57,6 +57,17 @@ char const * dbGroup::SingularElement(long type)
   return row ? row->singular : "";
 }
 
+std::vector<long> const & dbGroup::FileOrder()
+{
+  static std::vector<long> const order = [] {
+    std::vector<long> kinds;
+    for (auto const & row : kElements)
+      kinds.push_back(row.type);
+    return kinds;
+  }();
+  return order;
+}
+
 char const * dbGroup::PluralElement(long type)
 {
   ElementRow const * row = RowOf(type);

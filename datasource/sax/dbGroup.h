@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <vector>
 
 namespace Velmora::DB::SAX {
 
@@ -58,6 +59,8 @@ public:
   // Element names of the kind in a data file.
   static char const * SingularElement(long type);
   static char const * PluralElement(long type);
+  // The eighteen kinds in the order a data file holds them.
+  static std::vector<long> const & FileOrder();
 
   void SetValue(CString const &, TWLVariant &) override {}
 

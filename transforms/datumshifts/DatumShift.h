@@ -113,6 +113,10 @@ public:
   DB::CDataSource const * GetDataSource() const { return m_source; }
   // The read-only parameters the reader fills.
   CParameterCollectionDataDB & GetStoredParameters() { return *m_stored; }
+  // The envelope a data file names before defining it: the index of the
+  // pending reference until the end of the file, else -1.
+  long GetEnvelopeIndex() const { return m_envelopeIndex; }
+  void SetEnvelopeIndex(long index) { m_envelopeIndex = index; }
 
   void SetValue(CString const & key, TWLVariant & value) override;
 
@@ -120,6 +124,7 @@ private:
   void PointAtStoredParameters();
 
   int m_type = -1;
+  long m_envelopeIndex = -1;
   DB::CDataSource const * m_source = nullptr;
   std::unique_ptr<CParameterCollectionDataDB> m_stored;
 };
