@@ -112,14 +112,18 @@ public:
   void CloseElement(CString const & name);
   void LeafElement(CString const & name, CString const & value);
   void AttributeElement(CString const & name, AttributeMap const & attributes, CString const & value = CString());
-  // The attributes `code` and `issuer` of a reference to a stored object, by
-  // GetIssuerAndCode with the writer's default issuer.
+  // The attributes `code` and `issuer` of a reference to a stored object:
+  // the writer's default issuer ("TWL") where the object has it, else "VM".
   template <class Object>
   AttributeMap ReferenceAttributes(Object const & object) const
   {
-    CString issuer = m_writer ? m_writer->GetDefaultIssuer() : CString("TWL");
+    CString const preferred = m_writer ? m_writer->GetDefaultIssuer() : CString("TWL");
+    CString issuer = preferred;
     CString code;
-    object.GetIssuerAndCode(issuer, code);
+    if (object.GetIdentifiers().Exists(preferred))
+      code = object.GetIssuerCode(preferred);
+    else
+      object.GetIssuerAndCode(issuer, code);
     return {{CString("code"), code}, {CString("issuer"), issuer}};
   }
 

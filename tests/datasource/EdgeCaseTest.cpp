@@ -179,3 +179,34 @@ TEST_F(EdgeCases, ForwardReferencesAreResolvedAtTheEndOfTheFile)
 }
 
 } // namespace
+
+// References name the writer's own issuer where the object has it, else "VM";
+// the reader finds them either way.
+TEST_F(EdgeCases, ReferencesPreferTheWritersIssuer)
+{
+  CDataSource source;
+  source.SetLoaded(true);
+  ML::CLinearUnit metre(CString("Metre"), CString("m"), 1.0);
+  metre.GetIdentifiers().Add(CString("VM"), CString("1"));
+  metre.GetIdentifiers().Add(CString("TWL"), CString("METRE"));
+  ASSERT_TRUE(source.PutLinearUnit(metre, false));
+  std::unique_ptr<ML::CLinearUnit> stored(source.GetLinearUnit(CString("1")));
+  CS::CEllipsoid clarke;
+  clarke.SetName(CString("Clarke 1866"));
+  clarke.GetIdentifiers().Add(CString("VM"), CString("8"));
+  ML::CLinearValue axis;
+  axis.SetUnits(*stored);
+  axis.SetValue(6378206.4);
+  clarke.SetSemiMajor(axis);
+  clarke.SetInvFlattening(294.978698213898);
+  ASSERT_TRUE(source.PutEllipsoid(clarke, false));
+  source.SetFileName(Path("twl.xml"));
+  ASSERT_TRUE(source.CommitToFile());
+  QString const text = QString::fromUtf8(ReadAll(Path("twl.xml")));
+  EXPECT_TRUE(text.contains("<semimajor code=\"METRE\" issuer=\"TWL\">6378206.4</semimajor>")) << text.toStdString();
+
+  CDataSource reread;
+  ASSERT_TRUE(reread.LoadFile(Path("twl.xml")));
+  std::unique_ptr<CS::CEllipsoid> back(reread.GetEllipsoid(CString("8")));
+  EXPECT_TRUE(back->IsNearlyEqual(clarke));
+}
