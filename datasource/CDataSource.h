@@ -7,6 +7,8 @@
 #include <velmora/foundation/CString.h>
 #include <velmora/foundation/ObjectTypes.h>
 
+#include <limits>
+#include <list>
 #include <map>
 #include <memory>
 #include <string>
@@ -43,7 +45,12 @@ namespace CT {
 class CCoordTransform;
 namespace DS {
 class CDatumShift;
-}
+class CDatumShiftCollection;
+class CDatumShiftInfo;
+class CDatumShiftInfoEx;
+class CDatumShiftPreferences;
+class CDatumShiftPreferencesEx;
+} // namespace DS
 } // namespace CT
 } // namespace Velmora
 
@@ -73,6 +80,28 @@ class dbGroup;
   X(CoordTransform, CT::CCoordTransform)                                                                         \
   X(HeightModel, CS::VR::CHeightModel)                                                                           \
   X(VerticalDatum, CS::VR::CVerticalDatum)
+
+// An area in longitude and latitude (degrees), in use only when its first
+// corner lies strictly below the second in both values.
+class VELMORA_API CExtents
+{
+public:
+  CExtents() = default;
+  CExtents(double minLon, double minLat, double maxLon, double maxLat);
+
+  bool IsInUse() const { return m_inUse; }
+  double GetMinLon() const { return m_minLon; }
+  double GetMinLat() const { return m_minLat; }
+  double GetMaxLon() const { return m_maxLon; }
+  double GetMaxLat() const { return m_maxLat; }
+
+private:
+  bool m_inUse = false;
+  double m_minLon = std::numeric_limits<double>::max();
+  double m_minLat = std::numeric_limits<double>::max();
+  double m_maxLon = std::numeric_limits<double>::max();
+  double m_maxLat = std::numeric_limits<double>::max();
+};
 
 class VELMORA_API CDataSource
 {
@@ -222,6 +251,17 @@ public:
   std::vector<CString> GetAngularUnitNames() const;
   std::vector<CString> GetLinearUnitNames() const;
 
+  // Datum shift discovery. Fills the transform's chain with one route: true
+  // when the datums are equal or a route was set.
+  bool EstablishDatumShift(CT::CCoordTransform & transform, CT::DS::CDatumShiftPreferences const & prefs);
+  // Every candidate route, one or two shifts each; true when there is one or the datums are equal.
+  bool GetValidDatumShiftsEx(CS::CCoordSys const & source, CS::CCoordSys const & target,
+                             CT::DS::CDatumShiftPreferencesEx const & prefs,
+                             std::list<std::list<CT::DS::CDatumShiftInfoEx>> & result, bool skipCongeal) const;
+  bool GetValidDatumShifts(CS::CCoordSys const & source, CS::CCoordSys const & target,
+                           CT::DS::CDatumShiftPreferencesEx const & prefs,
+                           std::list<std::list<CT::DS::CDatumShiftInfo>> & result) const;
+
   // Listeners.
   void RegisterListener(CDataSourceListener * listener);
   void UnRegisterListener(CDataSourceListener * listener);
@@ -275,6 +315,14 @@ private:
   std::vector<CSerializableDataDB *> Gather(SAX::dbGroup const & group, CFolderListViewItem const & folder,
                                             CString const & filter) const;
   CSerializableDataDB * FindPending(std::vector<dbReference> const & list, long index) const;
+  // The search behind EstablishDatumShift; null when nothing matches. The caller owns the answer.
+  CT::DS::CDatumShiftCollection * ValidDatumShifts(CT::CCoordTransform & transform, CS::CHorizontalDatum const & source,
+                                                   CS::CHorizontalDatum const & target,
+                                                   CT::DS::CDatumShiftPreferences const & prefs) const;
+  // The search behind GetValidDatumShiftsEx: shifts from `fromCode` to `toCode` as stored.
+  bool GetDSList(CExtents const & extents, bool reverse, CT::DS::CDatumShiftPreferencesEx const & prefs,
+                 CString const & fromCode, CString const & toCode, std::list<CT::DS::CDatumShiftInfoEx> & out,
+                 bool skipCongeal) const;
 
   std::vector<dbReference> m_pendingEnvelopes;
   std::vector<dbReference> m_pendingPointStyles;
