@@ -3,6 +3,7 @@
 // on the same input, the time per item and the ratio.
 #include <benchmark/benchmark.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <initializer_list>
 #include <map>
@@ -44,6 +45,22 @@ public:
 private:
   std::map<std::string, double> m_ns;
 };
+
+// Times `convert` on a fresh copy of `source` each iteration; the copy is
+// made outside the timing. Items are the points of `source`.
+template <class Point, class Convert>
+void TimeOnCopies(benchmark::State & state, std::vector<Point> const & source, Convert && convert)
+{
+  std::vector<Point> points;
+  for (auto _ : state) {
+    state.PauseTiming();
+    points = source;
+    state.ResumeTiming();
+    convert(points);
+    benchmark::DoNotOptimize(points.data());
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(source.size()));
+}
 
 inline int RunWithRatios(int argc, char ** argv, std::initializer_list<RatioPair> pairs, void (*prepare)())
 {

@@ -87,55 +87,25 @@ void ProjTrans(PJ_DIRECTION dir, std::vector<BPoint3D> & pts)
 void BM_Velmora_FromGeodeticBase(benchmark::State & state)
 {
   BEllipsoid const w(kA, kInvF);
-  std::vector<BPoint3D> pts;
-  for (auto _ : state) {
-    state.PauseTiming();
-    pts = Data().geodeticDeg;
-    state.ResumeTiming();
-    w.FromGeodeticBase(kPoints, pts.data());
-    benchmark::DoNotOptimize(pts.data());
-  }
-  state.SetItemsProcessed(state.iterations() * kPoints);
+  VelmoraBench::TimeOnCopies(state, Data().geodeticDeg,
+                             [&w](std::vector<BPoint3D> & pts) { w.FromGeodeticBase(kPoints, pts.data()); });
 }
 
 void BM_Proj_CartForward(benchmark::State & state)
 {
-  std::vector<BPoint3D> pts;
-  for (auto _ : state) {
-    state.PauseTiming();
-    pts = Data().geodeticRad;
-    state.ResumeTiming();
-    ProjTrans(PJ_FWD, pts);
-    benchmark::DoNotOptimize(pts.data());
-  }
-  state.SetItemsProcessed(state.iterations() * kPoints);
+  VelmoraBench::TimeOnCopies(state, Data().geodeticRad, [](std::vector<BPoint3D> & pts) { ProjTrans(PJ_FWD, pts); });
 }
 
 void BM_Velmora_ToGeodeticBase(benchmark::State & state)
 {
   BEllipsoid const w(kA, kInvF);
-  std::vector<BPoint3D> pts;
-  for (auto _ : state) {
-    state.PauseTiming();
-    pts = Data().geocentric;
-    state.ResumeTiming();
-    w.ToGeodeticBase(kPoints, pts.data());
-    benchmark::DoNotOptimize(pts.data());
-  }
-  state.SetItemsProcessed(state.iterations() * kPoints);
+  VelmoraBench::TimeOnCopies(state, Data().geocentric,
+                             [&w](std::vector<BPoint3D> & pts) { w.ToGeodeticBase(kPoints, pts.data()); });
 }
 
 void BM_Proj_CartInverse(benchmark::State & state)
 {
-  std::vector<BPoint3D> pts;
-  for (auto _ : state) {
-    state.PauseTiming();
-    pts = Data().geocentric;
-    state.ResumeTiming();
-    ProjTrans(PJ_INV, pts);
-    benchmark::DoNotOptimize(pts.data());
-  }
-  state.SetItemsProcessed(state.iterations() * kPoints);
+  VelmoraBench::TimeOnCopies(state, Data().geocentric, [](std::vector<BPoint3D> & pts) { ProjTrans(PJ_INV, pts); });
 }
 
 void BM_Velmora_GeodeticInverse(benchmark::State & state)

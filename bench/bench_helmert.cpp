@@ -112,32 +112,20 @@ Systems & Our()
 void BM_Velmora_SevenParameter(benchmark::State & state)
 {
   CT::CCoordTransform const & transform = Our().transform;
-  std::vector<XY> pts;
-  for (auto _ : state) {
-    state.PauseTiming();
-    pts = Points();
-    state.ResumeTiming();
+  VelmoraBench::TimeOnCopies(state, Points(), [&transform](std::vector<XY> & pts) {
     for (XY & p : pts)
       transform.ConvertAhead(p.x, p.y);
-    benchmark::DoNotOptimize(pts.data());
-  }
-  state.SetItemsProcessed(state.iterations() * kPoints);
+  });
 }
 
 void BM_Proj_Helmert(benchmark::State & state)
 {
   PJ * const pj = ProjHelmert();
-  std::vector<XY> pts;
-  for (auto _ : state) {
-    state.PauseTiming();
-    pts = Points();
-    state.ResumeTiming();
+  VelmoraBench::TimeOnCopies(state, Points(), [pj](std::vector<XY> & pts) {
     std::size_t const stride = sizeof(XY);
     proj_trans_generic(pj, PJ_FWD, &pts[0].x, stride, kPoints, &pts[0].y, stride, kPoints, nullptr, 0, 0, nullptr,
                        0, 0);
-    benchmark::DoNotOptimize(pts.data());
-  }
-  state.SetItemsProcessed(state.iterations() * kPoints);
+  });
 }
 
 BENCHMARK(BM_Velmora_SevenParameter)->Unit(benchmark::kMillisecond);

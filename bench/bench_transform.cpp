@@ -101,16 +101,10 @@ ML::CCoordPointCollection const & GeodeticCollection()
 void BM_Velmora_TransformPair(benchmark::State & state)
 {
   CT::CCoordTransform const & transform = Our().transform;
-  std::vector<XY> pts;
-  for (auto _ : state) {
-    state.PauseTiming();
-    pts = Points();
-    state.ResumeTiming();
+  VelmoraBench::TimeOnCopies(state, Points(), [&transform](std::vector<XY> & pts) {
     for (XY & p : pts)
       transform.ConvertAhead(p.x, p.y);
-    benchmark::DoNotOptimize(pts.data());
-  }
-  state.SetItemsProcessed(state.iterations() * kPoints);
+  });
 }
 
 void BM_Velmora_TransformCollection(benchmark::State & state)
@@ -128,17 +122,11 @@ void BM_Velmora_TransformCollection(benchmark::State & state)
 void BM_Proj_Transform(benchmark::State & state)
 {
   PJ * const pj = ProjUtm32();
-  std::vector<XY> pts;
-  for (auto _ : state) {
-    state.PauseTiming();
-    pts = Points();
-    state.ResumeTiming();
+  VelmoraBench::TimeOnCopies(state, Points(), [pj](std::vector<XY> & pts) {
     std::size_t const stride = sizeof(XY);
     proj_trans_generic(pj, PJ_FWD, &pts[0].x, stride, kPoints, &pts[0].y, stride, kPoints, nullptr, 0, 0, nullptr,
                        0, 0);
-    benchmark::DoNotOptimize(pts.data());
-  }
-  state.SetItemsProcessed(state.iterations() * kPoints);
+  });
 }
 
 BENCHMARK(BM_Velmora_TransformPair)->Unit(benchmark::kMillisecond);

@@ -103,15 +103,7 @@ Input const & Data()
 template <class Convert>
 void Run(benchmark::State & state, std::vector<XY> const & source, Convert convert)
 {
-  std::vector<XY> pts;
-  for (auto _ : state) {
-    state.PauseTiming();
-    pts = source;
-    state.ResumeTiming();
-    convert(pts);
-    benchmark::DoNotOptimize(pts.data());
-  }
-  state.SetItemsProcessed(state.iterations() * kPoints);
+  VelmoraBench::TimeOnCopies(state, source, convert);
 }
 
 void BM_Velmora_UtmForward(benchmark::State & state)
