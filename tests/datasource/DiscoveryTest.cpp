@@ -549,6 +549,29 @@ TEST(DatumShiftDiscovery, ListingGivesForwardThenReverseDirectRoutes)
   EXPECT_TRUE(none.list.empty());
 }
 
+TEST(DatumShiftDiscovery, EachTypeBitAdmitsItsOwnTypeOnly)
+{
+  ShiftStore s;
+  // One shift of every type, coded so that text order is type order.
+  for (int type = 0; type < CDatumShift::kTypeCount; ++type) {
+    std::string const code = (type < 10 ? "T0" : "T") + std::to_string(type);
+    s.Shift(code.c_str(), static_cast<CDatumShift::Type>(type), "ED50", "WGS84", "EU");
+  }
+  CGeodeticCoordSys ed50 = s.System("ED50"), wgs84 = s.System("WGS84");
+  for (int type = 0; type < CDatumShift::kTypeCount; ++type) {
+    CDatumShiftPreferencesEx prefs;
+    prefs.SetBitFlags(BitFlag(1) << type);
+    Routes routes;
+    EXPECT_TRUE(s.source.GetValidDatumShiftsEx(ed50, wgs84, prefs, routes.list, true)) << type;
+    ASSERT_EQ(routes.list.size(), 1u) << type;
+    EXPECT_EQ(routes.list.front().front().GetDatumShift()->GetType(), type);
+  }
+  CDatumShiftPreferencesEx all;
+  Routes every;
+  s.source.GetValidDatumShiftsEx(ed50, wgs84, all, every.list, true);
+  EXPECT_EQ(every.list.size(), std::size_t(CDatumShift::kTypeCount));
+}
+
 TEST(DatumShiftDiscovery, AnAreaMustLieWhollyInsideAShiftsEnvelope)
 {
   ShiftStore s;
