@@ -254,10 +254,13 @@ public:
   // Datum shift discovery. Fills the transform's chain with one route: true
   // when the datums are equal or a route was set.
   bool EstablishDatumShift(CT::CCoordTransform & transform, CT::DS::CDatumShiftPreferences const & prefs);
-  // Every candidate route, one or two shifts each; true when there is one or the datums are equal.
+  // Every candidate route, one or two shifts each, appended to `result`; true when `result` holds
+  // one or the datums are equal. The shift objects are the caller's; a shift of a leg through an
+  // intermediate datum serves every route it pairs into, so each object is deleted once.
   bool GetValidDatumShiftsEx(CS::CCoordSys const & source, CS::CCoordSys const & target,
                              CT::DS::CDatumShiftPreferencesEx const & prefs,
                              std::list<std::list<CT::DS::CDatumShiftInfoEx>> & result, bool skipCongeal) const;
+  // The same routes by "VM" code (first text) and name (second text) of each shift.
   bool GetValidDatumShifts(CS::CCoordSys const & source, CS::CCoordSys const & target,
                            CT::DS::CDatumShiftPreferencesEx const & prefs,
                            std::list<std::list<CT::DS::CDatumShiftInfo>> & result) const;
