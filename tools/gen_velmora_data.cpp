@@ -122,6 +122,9 @@ int main(int argc, char ** argv)
                             Kind{kObjectProjectedCoordSys, "projected coordinate systems"},
                             Kind{kObjectDatumShift, "datum shifts"}})
       std::printf("%8zu  %s\n", store.SearchDB(kind.type).size(), kind.name);
+    std::printf("made:\n");
+    for (auto const & [what, count] : builder.Made())
+      std::printf("%8d  %s\n", count, what.c_str());
     if (!builder.LeftOut().empty()) {
       std::printf("left out:\n");
       for (auto const & [reason, count] : builder.LeftOut())

@@ -111,6 +111,12 @@ Builder::Builder(Registry const & registry, DB::CDataSource & store, std::set<st
 
 Builder::~Builder() = default;
 
+std::string Builder::MethodName(std::string const & code) const
+{
+  auto const it = m_registry.methodNames.find(code);
+  return "method " + code + " (" + (it == m_registry.methodNames.end() ? std::string("?") : it->second) + ")";
+}
+
 template <class Handle>
 Handle * Builder::Stored(long type, CString const & code)
 {
@@ -474,9 +480,7 @@ bool Builder::ProjectedCrs(std::string const & code)
   Conversion const & c = conversion->second;
   ProjectionMethod const * method = FindProjectionMethod(c.method);
   if (!method) {
-    auto const name = m_registry.methodNames.find(c.method);
-    Skip("projected: no projection type for method " + c.method + " (" +
-         (name == m_registry.methodNames.end() ? std::string("?") : name->second) + ")");
+    Skip("projected: no projection type for " + MethodName(c.method));
     return false;
   }
   auto const axes = m_registry.axes.find(crs.coordinateSystem);
@@ -572,6 +576,7 @@ bool Builder::ProjectedCrs(std::string const & code)
   system.SetPointStyle(*pointStyle);
   system.SetEnvelope(*envelope);
   m_store.PutProjectedCoordSys(system, false);
+  ++m_made["projected: " + MethodName(c.method) + " -> " + CS::PJ::CProjection::TypeName(type).toStdString()];
   if (long const folder = AreaFolder(kObjectProjectedCoordSys, extents))
     m_store.AssignGroupID(folder, kObjectProjectedCoordSys, CString("VM"), CString(code));
   return true;
@@ -584,9 +589,7 @@ bool Builder::Shift(std::string const & code)
   Transformation const & t = m_registry.transformations.at(code);
   ShiftMethod const * method = FindShiftMethod(t.method);
   if (!method) {
-    auto const name = m_registry.methodNames.find(t.method);
-    Skip("datum shift: no shift type for method " + t.method + " (" +
-         (name == m_registry.methodNames.end() ? std::string("?") : name->second) + ")");
+    Skip("datum shift: no shift type for " + MethodName(t.method));
     return false;
   }
   auto const source = m_registry.geodeticCrs.find(t.source), target = m_registry.geodeticCrs.find(t.target);
@@ -719,6 +722,7 @@ bool Builder::Shift(std::string const & code)
   shift->GetSrcDatum() = *from;
   shift->GetDestDatum() = *to;
   m_store.PutDatumShift(*shift, false);
+  ++m_made["datum shift: " + MethodName(t.method) + " -> " + shift->GetTypeName().toStdString()];
   if (long const folder = AreaFolder(kObjectDatumShift, extents))
     m_store.AssignGroupID(folder, kObjectDatumShift, CString("VM"), CString(code));
   return true;

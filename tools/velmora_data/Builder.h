@@ -36,12 +36,15 @@ public:
 
   // Why objects were left out, with how many each.
   std::map<std::string, int> const & LeftOut() const { return m_leftOut; }
+  // What each registry method became, with how many.
+  std::map<std::string, int> const & Made() const { return m_made; }
 
 private:
   using CString = Velmora::CString;
 
   bool Wanted(std::string const & code) const { return !m_only || m_only->count(code) != 0; }
   void Skip(std::string const & reason) { ++m_leftOut[reason]; }
+  std::string MethodName(std::string const & code) const;
 
   Velmora::ML::CAngularUnit const * AngularUnit(std::string const & code);
   Velmora::ML::CLinearUnit const * LinearUnit(std::string const & code);
@@ -69,6 +72,7 @@ private:
   Velmora::DB::CDataSource & m_store;
   std::set<std::string> const * m_only;
   std::map<std::string, int> m_leftOut;
+  std::map<std::string, int> m_made;
   std::map<std::string, std::unique_ptr<Velmora::ML::CAngularUnit>> m_angular;
   std::map<std::string, std::unique_ptr<Velmora::ML::CLinearUnit>> m_linear;
   std::map<std::string, std::unique_ptr<Velmora::CS::CHorizontalDatum>> m_datums;
