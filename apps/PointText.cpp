@@ -126,8 +126,8 @@ LineKind ParsePoint(std::string_view line, double (&values)[3], int & count)
       break;
     if (count == 3)
       return LineKind::kNotAPoint;
-    if (*p == '+')
-      ++p;
+    if (*p == '+' && ++p != end && (*p == '-' || *p == '+'))
+      return LineKind::kNotAPoint;
     double value = 0.0;
     auto const result = std::from_chars(p, end, value, std::chars_format::general);
     if (result.ec != std::errc() || !std::isfinite(value) || (result.ptr != end && !IsSeparator(*result.ptr)))
