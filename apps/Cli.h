@@ -96,6 +96,9 @@ using Route = std::vector<RouteStep>;
 bool EstablishRoute(Velmora::DB::CDataSource & store, Velmora::CT::CCoordTransform & transform);
 std::vector<Route> CandidateRoutes(Velmora::DB::CDataSource const & store, Velmora::CS::CCoordSys const & source,
                                    Velmora::CS::CCoordSys const & target);
+// The candidate that serves the widest area: the smallest area of use of its
+// shifts, in square degrees, is largest. The first of equals wins.
+Route const & WidestRoute(Velmora::DB::CDataSource & store, std::vector<Route> const & candidates);
 
 int RunConvert(Options const & options);
 int RunInfo(Options const & options);

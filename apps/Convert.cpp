@@ -121,9 +121,9 @@ std::string SetUpRoute(DB::CDataSource & store, CT::CCoordTransform & transform,
   if (candidates.empty())
     throw CliError("no datum shift found from " + DatumText(source) + " to " + DatumText(target) +
                    "; give one with --route, or convert without one with --route none");
-  for (RouteStep const & step : candidates.front())
+  for (RouteStep const & step : WidestRoute(store, candidates))
     AddStep(store, transform, step);
-  return "first of " + std::to_string(candidates.size()) + " candidate routes: " + DescribeChain(transform);
+  return "widest of " + std::to_string(candidates.size()) + " candidate routes: " + DescribeChain(transform);
 }
 
 bool IsNumber(std::string const & text)

@@ -2,14 +2,18 @@
 #include "Cli.h"
 
 #include <velmora/datasource/CDataSource.h>
+#include <velmora/measures/Envelope.h>
+#include <velmora/transforms/datumshifts/DatumShift.h>
 #include <velmora/transforms/CoordTransform.h>
 #include <velmora/transforms/datumshifts/DatumShiftInfo.h>
+
+#include <algorithm>
+#include <limits>
+#include <memory>
 
 namespace VelmoraCli {
 
 using namespace Velmora;
-
-#if VELMORA_CLI_ROUTE_SEARCH
 
 bool EstablishRoute(DB::CDataSource & store, CT::CCoordTransform & transform)
 {
@@ -27,32 +31,50 @@ std::vector<Route> CandidateRoutes(DB::CDataSource const & store, CS::CCoordSys 
   std::vector<Route> routes;
   for (auto const & candidate : found) {
     Route route;
-    for (CT::DS::CDatumShiftInfo const & step : candidate) {
-      CString const issuer(step.GetIssuer().c_str());
-      route.push_back({{issuer.isEmpty() ? CString("VM") : issuer, CString(step.GetCode().c_str())}, step.GetReverse()});
-    }
+    // The plain listing holds each shift's "VM" code in its first text and its name in the second.
+    for (CT::DS::CDatumShiftInfo const & step : candidate)
+      route.push_back({{CString("VM"), CString(step.GetIssuer().c_str())}, step.GetReverse()});
     routes.push_back(std::move(route));
   }
   return routes;
 }
 
-#else
 
-// Built without the store's route search: routes are given with --route.
 namespace {
-[[noreturn]] void NoSearch()
+// Square degrees of a shift's area of use; a shift without one serves the world.
+double AreaOf(DB::CDataSource & store, RouteStep const & step)
 {
-  throw CliError("this build of velmora has no datum shift search; give the shifts with --route, or --route none");
+  constexpr double kWorld = 360.0 * 180.0;
+  std::unique_ptr<CT::DS::CDatumShift> shift(
+    store.GetDatumShiftNonThrow(step.shift.issuer, step.shift.code));
+  if (!shift)
+    return 0.0;
+  ML::CEnvelope const & area = shift->GetEnvelope();
+  ML::CCoordPoint const * min = area.GetMinPoint();
+  ML::CCoordPoint const * max = area.GetMaxPoint();
+  if (area.GetAlwaysAccept() || !min || !max)
+    return kWorld;
+  double x0, y0, x1, y1;
+  min->GetInternals(x0, y0);
+  max->GetInternals(x1, y1);
+  return std::max(0.0, x1 - x0) * std::max(0.0, y1 - y0);
 }
 } // namespace
 
-bool EstablishRoute(DB::CDataSource &, CT::CCoordTransform &) { NoSearch(); }
-
-std::vector<Route> CandidateRoutes(DB::CDataSource const &, CS::CCoordSys const &, CS::CCoordSys const &)
+Route const & WidestRoute(DB::CDataSource & store, std::vector<Route> const & candidates)
 {
-  NoSearch();
+  Route const * best = &candidates.front();
+  double bestArea = -1.0;
+  for (Route const & route : candidates) {
+    double area = std::numeric_limits<double>::max();
+    for (RouteStep const & step : route)
+      area = std::min(area, AreaOf(store, step));
+    if (area > bestArea) {
+      bestArea = area;
+      best = &route;
+    }
+  }
+  return *best;
 }
-
-#endif
 
 } // namespace VelmoraCli

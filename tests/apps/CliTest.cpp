@@ -59,13 +59,6 @@ protected:
     return RunTool(QStringList{arguments.front(), "--data", s_data} + arguments.mid(1), input);
   }
   // Whether this build of the tool searches routes itself.
-  static bool HasRouteSearch()
-  {
-    static bool const has = !Tool({"routes", "--from", "EPSG:4326", "--to", "EPSG:4230"})
-                               .err.contains("no datum shift search");
-    return has;
-  }
-
   static std::unique_ptr<QTemporaryDir> s_dir;
   static QString s_data;
 };
@@ -147,8 +140,6 @@ TEST_F(Cli, RouteNoneConvertsWithoutAShiftAndVerboseSaysWhichRoute)
 
 TEST_F(Cli, TheStoresRouteSearchFindsTheShiftBothWays)
 {
-  if (!HasRouteSearch())
-    GTEST_SKIP() << "built without the store's route search";
   // From ED50 the shift's area is the source system's: the store's search
   // takes it. From WGS 84 (area World) only the candidate list has it.
   ProgramRun const ahead = Tool({"convert", "--from", "EPSG:4230", "--to", "EPSG:4326", "-v"}, "9 45\n");
