@@ -18,6 +18,7 @@
 
 // Parameters
 #include <velmora/foundation/ParameterCollection.h>
+#include <velmora/foundation/ParameterizedHandle.h>
 
 // Measures
 #include <velmora/measures/BPoint.h>

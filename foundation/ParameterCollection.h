@@ -23,6 +23,9 @@ class CDataSource;
 
 // Hears of changes to a collection: `name` is the parameter that was set,
 // or empty when a held angular or linear value changed by itself.
+// The name passed to OnChange when no single parameter changed.
+inline constexpr unsigned short kNoParameterName[] = {0};
+
 class VELMORA_API CParameterCollectionEvent
 {
 public:

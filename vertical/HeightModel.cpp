@@ -113,49 +113,17 @@ CHeightModel::CHeightModel(Type type)
   body.GetParameters().SetEventHandler(this);
 }
 
-CHeightModel::CHeightModel(CHeightModel const & other) : THandle(other), CParameterCollectionEvent() { Listen(); }
+CHeightModel::CHeightModel(CHeightModel const & other) : TParameterizedHandle(other) {}
 
 CHeightModel::~CHeightModel() = default;
 
 CHeightModel & CHeightModel::operator=(CHeightModel const & other)
 {
-  if (&other == this)
-    return *this;
-  m_data = other.m_data;
-  Listen();
-  OnChange(detail::kNoName);
+  if (&other != this)
+    AssignFrom(other);
   return *this;
 }
 
-void CHeightModel::Listen()
-{
-  CHeightModelData const * body = m_data.Peek();
-  if (body && body->GetDataObjectType() == kEDataObjectConcrete &&
-      body->GetParameters().GetData().GetDataObjectType() == kEDataObjectConcrete)
-    MutableBody().GetParameters().SetEventHandler(this);
-}
-
-CParameterCollection & CHeightModel::GetParameters()
-{
-  CParameterCollection & parameters = MutableBody().GetParameters();
-  // A copied or fetched body may name another listener, or none.
-  if (parameters.GetEventHandler() != this)
-    parameters.SetEventHandler(this);
-  return parameters;
-}
-
-void CHeightModel::Congeal()
-{
-  m_data.Dereference();
-  MutableBody().CongealInner();
-  Listen();
-}
-
-void CHeightModel::AttachBody(CHeightModelData const & body)
-{
-  m_data.Reset(&body);
-  Listen();
-  OnChange(detail::kNoName);
-}
-
 } // namespace Velmora::CS::VR
+
+template class Velmora::TParameterizedHandle<Velmora::CS::VR::CHeightModelData>;

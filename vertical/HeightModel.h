@@ -3,6 +3,7 @@
 // datum to the ellipsoid, defined on a horizontal datum. This header has the
 // abstract model, its bodies and the factory; the types are in HeightModels.h.
 #include <velmora/foundation/ParameterCollection.h>
+#include <velmora/foundation/ParameterizedHandle.h>
 #include <velmora/measures/Envelope.h>
 #include <velmora/refsys/HorizontalDatum.h>
 
@@ -74,7 +75,13 @@ private:
   std::unique_ptr<CParameterCollectionDataDB> m_stored;
 };
 
-class VELMORA_API CHeightModel : public THandle<CHeightModelData>, public CParameterCollectionEvent
+} // namespace Velmora::CS::VR
+
+extern template class VELMORA_API Velmora::TParameterizedHandle<Velmora::CS::VR::CHeightModelData>;
+
+namespace Velmora::CS::VR {
+
+class VELMORA_API CHeightModel : public TParameterizedHandle<CHeightModelData>
 {
 public:
   // One value per kind of model; the numbers are stable.
@@ -97,8 +104,6 @@ public:
   static CString TypeName(int type);
 
   ~CHeightModel() override;
-  // Congeals the envelope, the horizontal datum and the parameters too.
-  void Congeal() override;
   // Takes the other's body; whatever was prepared from files is dropped.
   virtual CHeightModel & operator=(CHeightModel const & other);
   virtual Type GetType() const = 0;
@@ -113,9 +118,7 @@ public:
   CHorizontalDatum const & GetHorizontalDatum() const { return Body().GetHorizontalDatum(); }
   CHorizontalDatum & GetHorizontalDatum() { return MutableBody().GetHorizontalDatum(); }
   void SetHorizontalDatum(CHorizontalDatum const & datum) { MutableBody().SetHorizontalDatum(datum); }
-  CParameterCollection const & GetParameters() const { return Body().GetParameters(); }
-  // Writable parameters; this model hears of every change.
-  CParameterCollection & GetParameters();
+  using TParameterizedHandle::GetParameters;
   CString const & GetTypeName() const { return Body().GetClassType(); }
 
   bool IsNearlyEqual(CHeightModel const & other, CString & why) const { return Body().IsNearlyEqual(other.Body(), why); }
@@ -131,9 +134,7 @@ protected:
 private:
   friend class DB::CDataSource;
   // A stored body for a model the factory made by its class type.
-  void AttachBody(CHeightModelData const & body);
-  // Listens to an owned parameter body; a shared one stays untouched.
-  void Listen();
+  void AttachBody(CHeightModelData const & body) { AttachStored(body); }
 };
 
 class VELMORA_API CHeightModelFactory

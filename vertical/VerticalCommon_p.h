@@ -8,8 +8,7 @@
 
 namespace Velmora::CS::VR::detail {
 
-// The name passed to OnChange when no single parameter changed.
-inline constexpr unsigned short kNoName[] = {0};
+inline constexpr auto const & kNoName = kNoParameterName;
 
 // An inner object needs a "VM" code (code 25) and must be in the source (26).
 inline void CheckReference(CSerializable const & object, char const * location, char const * needsIdentifier,

@@ -109,51 +109,15 @@ CVerticalDatum::CVerticalDatum(Type type)
   body.GetParameters().SetEventHandler(this);
 }
 
-CVerticalDatum::CVerticalDatum(CVerticalDatum const & other) : THandle(other), CParameterCollectionEvent()
-{
-  Listen();
-}
+CVerticalDatum::CVerticalDatum(CVerticalDatum const & other) : TParameterizedHandle(other) {}
 
 CVerticalDatum::~CVerticalDatum() = default;
 
 CVerticalDatum & CVerticalDatum::operator=(CVerticalDatum const & other)
 {
-  if (&other == this)
-    return *this;
-  m_data = other.m_data;
-  Listen();
-  OnChange(detail::kNoName);
+  if (&other != this)
+    AssignFrom(other);
   return *this;
-}
-
-void CVerticalDatum::Listen()
-{
-  CVerticalDatumData const * body = m_data.Peek();
-  if (body && body->GetDataObjectType() == kEDataObjectConcrete &&
-      body->GetParameters().GetData().GetDataObjectType() == kEDataObjectConcrete)
-    MutableBody().GetParameters().SetEventHandler(this);
-}
-
-CParameterCollection & CVerticalDatum::GetParameters()
-{
-  CParameterCollection & parameters = MutableBody().GetParameters();
-  if (parameters.GetEventHandler() != this)
-    parameters.SetEventHandler(this);
-  return parameters;
-}
-
-void CVerticalDatum::Congeal()
-{
-  m_data.Dereference();
-  MutableBody().CongealInner();
-  Listen();
-}
-
-void CVerticalDatum::AttachBody(CVerticalDatumData const & body)
-{
-  m_data.Reset(&body);
-  Listen();
-  OnChange(detail::kNoName);
 }
 
 // The types
@@ -215,3 +179,5 @@ CVerticalDatum * CVerticalDatumFactory::CreateVerticalDatum(CVerticalDatum::Type
 }
 
 } // namespace Velmora::CS::VR
+
+template class Velmora::TParameterizedHandle<Velmora::CS::VR::CVerticalDatumData>;

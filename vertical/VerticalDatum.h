@@ -2,6 +2,7 @@
 // Vertical datums: what a height is counted from. The abstract datum, its
 // bodies, the three types and the factory.
 #include <velmora/foundation/ParameterCollection.h>
+#include <velmora/foundation/ParameterizedHandle.h>
 #include <velmora/measures/Envelope.h>
 
 #include <memory>
@@ -66,7 +67,13 @@ private:
   std::unique_ptr<CParameterCollectionDataDB> m_stored;
 };
 
-class VELMORA_API CVerticalDatum : public THandle<CVerticalDatumData>, public CParameterCollectionEvent
+} // namespace Velmora::CS::VR
+
+extern template class VELMORA_API Velmora::TParameterizedHandle<Velmora::CS::VR::CVerticalDatumData>;
+
+namespace Velmora::CS::VR {
+
+class VELMORA_API CVerticalDatum : public TParameterizedHandle<CVerticalDatumData>
 {
 public:
   // One value per kind of datum; the numbers are stable.
@@ -81,8 +88,6 @@ public:
   static CString TypeName(int type);
 
   ~CVerticalDatum() override;
-  // Congeals the envelope and the parameters too.
-  void Congeal() override;
   // Takes the other's body.
   virtual CVerticalDatum & operator=(CVerticalDatum const & other);
   virtual Type GetType() const = 0;
@@ -93,9 +98,7 @@ public:
   ML::CEnvelope const & GetEnvelope() const { return Body().GetEnvelope(); }
   ML::CEnvelope & GetEnvelope() { return MutableBody().GetEnvelope(); }
   void SetEnvelope(ML::CEnvelope const & envelope) { MutableBody().SetEnvelope(envelope); }
-  CParameterCollection const & GetParameters() const { return Body().GetParameters(); }
-  // Writable parameters; this datum hears of every change.
-  CParameterCollection & GetParameters();
+  using TParameterizedHandle::GetParameters;
   CString const & GetTypeName() const { return Body().GetClassType(); }
 
   bool IsNearlyEqual(CVerticalDatum const & other, CString & why) const { return Body().IsNearlyEqual(other.Body(), why); }
@@ -110,8 +113,7 @@ protected:
 
 private:
   friend class DB::CDataSource;
-  void AttachBody(CVerticalDatumData const & body);
-  void Listen();
+  void AttachBody(CVerticalDatumData const & body) { AttachStored(body); }
 };
 
 // Gives a class its type.
