@@ -131,7 +131,7 @@ Row const * RowOf(int type)
 int TypeOf(CString const & name)
 {
   for (size_t i = 0; i < std::size(kRows); ++i)
-    if (name == CString(kRows[i].name))
+    if (name == QLatin1String(kRows[i].name))
       return static_cast<int>(i);
   return -1;
 }

@@ -7,7 +7,8 @@ cd "$(dirname "$0")/.."
 
 bash scripts/install-deps.sh   # uses sudo when not root
 cmake -S . -B build -DCMAKE_BUILD_TYPE=Release
-cmake --build build -j"$(nproc)"
+# The tool and the data file only; scripts/test.sh builds everything.
+cmake --build build -j"$(nproc)" --target velmora_cli velmora_data
 
 export QT_QPA_PLATFORM=offscreen
 points=data/examples/wgs84-points.txt

@@ -64,7 +64,7 @@ template <std::size_t N>
 int TypeIn(Row const (&rows)[N], CString const & name)
 {
   for (std::size_t i = 0; i < N; ++i)
-    if (name == CString(rows[i].name))
+    if (name == QLatin1String(rows[i].name))
       return static_cast<int>(i);
   return -1;
 }

@@ -53,7 +53,7 @@ Row const * RowOf(int type)
 int TypeOf(CString const & name)
 {
   for (int i = 0; i < TypeCount(); ++i)
-    if (name == CString(kRows[i].name))
+    if (name == QLatin1String(kRows[i].name))
       return i;
   return -1;
 }

@@ -64,7 +64,7 @@ char const * NameOf(int type)
 int TypeOf(CString const & classType)
 {
   for (size_t i = 0; i < kRows.size(); ++i)
-    if (classType == CString(kRows[i].name))
+    if (classType == QLatin1String(kRows[i].name))
       return static_cast<int>(i);
   return -1;
 }

@@ -27,7 +27,7 @@ constexpr long kLinearTerms = 3;
 
 using Owned = std::unique_ptr<CMatrix2D>;
 
-bool Named(unsigned short const * name, char const * literal) { return name && CString(name) == CString(literal); }
+bool Named(unsigned short const * name, char const * literal) { return name && CString(name) == QLatin1String(literal); }
 
 struct Extent
 {
