@@ -73,4 +73,7 @@
 
 // Data source
 #include <velmora/datasource/CDataSource.h>
+#include <velmora/datasource/DataSourceInfo.h>
+#include <velmora/datasource/sax/Groups.h>
+#include <velmora/datasource/sax/dbGroup.h>
 #include <velmora/datasource/sax/CValueHandler.h>
