@@ -57,7 +57,8 @@ double AreaOf(DB::CDataSource & store, RouteStep const & step)
   double x0, y0, x1, y1;
   min->GetInternals(x0, y0);
   max->GetInternals(x1, y1);
-  return std::max(0.0, x1 - x0) * std::max(0.0, y1 - y0);
+  // An area across the antimeridian takes every longitude: no wider than the world.
+  return std::clamp(x1 - x0, 0.0, 360.0) * std::max(0.0, y1 - y0);
 }
 } // namespace
 

@@ -19,6 +19,10 @@ constexpr char kDegree[] = "9102";    // the degree, unit of angles the registry
 constexpr char kMetre[] = "9001";     // the metre, unit of fixed linear values
 constexpr char kEnvelopeUnit[] = "9122"; // degrees as the geographic systems use them: the corners' unit
 constexpr char kWorldExtent[] = "1262";
+// Longitudes an area across the antimeridian takes: any a conversion gives.
+constexpr double kAnyLongitude = 360.0;
+// Below this, in degrees, a longitude rotation is the same angle given in two units.
+constexpr double kNegligibleRotation = 1e-12;
 
 // Exact factors where the registry's rounded ones would leave the last digits off.
 double UnitsPerDegree(Unit const & unit)
@@ -92,6 +96,25 @@ double FromSexagesimal(std::string const & text)
   double const s = std::stod(fraction.substr(2, 2) + "." + (fraction.size() > 4 ? fraction.substr(4) : "0"));
   double const degrees = d + m / 60.0 + s / 3600.0;
   return negative ? -degrees : degrees;
+}
+
+// The longitude of a datum's prime meridian, in degrees east of Greenwich.
+bool MeridianDegrees(Registry const & registry, std::string const & datum, double & degrees)
+{
+  auto const d = registry.datums.find(datum);
+  auto const pm = d == registry.datums.end() ? registry.primeMeridians.end()
+                                              : registry.primeMeridians.find(d->second.primeMeridian);
+  if (pm == registry.primeMeridians.end())
+    return false;
+  if (pm->second.uom == "9110") {
+    degrees = FromSexagesimal(pm->second.longitude);
+    return true;
+  }
+  auto const unit = registry.units.find(pm->second.uom);
+  if (unit == registry.units.end() || !unit->second.factor)
+    return false;
+  degrees = std::stod(pm->second.longitude) / UnitsPerDegree(unit->second);
+  return true;
 }
 
 std::string Area(std::string const & extentName)
@@ -304,8 +327,12 @@ CString Builder::CartesianStyle(std::string const & linearUnit)
 }
 
 // The box of one or more registry extents in degrees. An extent whose west
-// edge lies east of its east edge crosses the antimeridian: its east edge is
-// carried past 180, which the envelope's wrap of longitudes accepts.
+// edge lies east of its east edge crosses the antimeridian. No box of one
+// longitude interval holds such an area on both sides of 180 for the
+// two-number test, which has no wrap: the box keeps the area's latitudes and
+// takes every longitude from -360 to 360, since a projection's inverse counts
+// from its central meridian and may hand back 180.5 for -179.5. So each point
+// of the area converts on both paths, both ways.
 CString Builder::Envelope(std::vector<std::string> const & given)
 {
   std::vector<std::string> extents;
@@ -331,7 +358,10 @@ CString Builder::Envelope(std::vector<std::string> const & given)
     south = std::min(south, e.south);
     north = std::max(north, e.north);
   }
-  if (east - west >= 360.0) {
+  if (east > 180.0) {
+    west = -kAnyLongitude;
+    east = kAnyLongitude;
+  } else if (east - west >= 360.0) {
     west = -180.0;
     east = 180.0;
   }
@@ -691,8 +721,25 @@ bool Builder::Shift(std::string const & code)
     break;
   }
   case ShiftKind::kLongitudeRotation: {
+    // The registry rotates longitudes counted from the source system's prime
+    // meridian into ones counted from the target's. The library's geodetic
+    // systems already count from Greenwich on both sides of a shift, so only
+    // what remains of the rotation once both meridians are taken out is kept:
+    // target = source + rotation - source meridian + target meridian.
     double radians = 0.0;
     ok = angular("rotation", "8602", false, radians);
+    double from = 0.0, to = 0.0;
+    ok = ok && MeridianDegrees(m_registry, source->second.datum, from) &&
+         MeridianDegrees(m_registry, target->second.datum, to);
+    if (ok) {
+      double remaining = radians / Constants::kRadiansPerDegree - from + to;
+      if (std::fabs(remaining) < kNegligibleRotation)
+        remaining = 0.0; // the same angle reached through two units
+      ML::CAngularValue angle = p.GetAngularValue(CString("rotation"));
+      angle.SetUnits(*AngularUnit(kDegree));
+      angle.SetValue(remaining);
+      p.SetAngularValue(CString("rotation"), angle);
+    }
     break;
   }
   case ShiftKind::kNTv2:
