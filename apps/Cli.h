@@ -49,6 +49,8 @@ struct Options
   std::string from, to;
   bool inverse = false;
   bool verbose = false;
+  bool si = false;     // metres and degrees instead of each system's own units
+  bool strict = false; // refuse points outside an area of use
   std::optional<int> precision;
   std::optional<std::string> route; // "none", or a list of shifts
   std::string data;                 // empty: the default file
@@ -74,6 +76,16 @@ std::string PreferredCode(Velmora::CSerializable const & object);
 std::string Utf8(CString const & text);
 // The text in double quotes.
 std::string Quoted(CString const & text);
+
+// The units of a system's three axes as its point style gives them: how
+// many internal units (metres, degrees) one of them is, and their names.
+struct AxisUnits
+{
+  double perUnit[3] = {1.0, 1.0, 1.0};
+  std::string names[3];
+  bool IsInternal() const { return perUnit[0] == 1.0 && perUnit[1] == 1.0 && perUnit[2] == 1.0; }
+};
+AxisUnits UnitsOf(Velmora::DB::CDataSource & store, Velmora::CS::CCoordSys const & system);
 
 // The data file: --data, else the installed one beside the executable, else
 // the one a build tree makes.

@@ -2,7 +2,10 @@
 
 #include <velmora/datasource/CDataSource.h>
 #include <velmora/foundation/CSerializable.h>
+#include <velmora/foundation/ObjectTypes.h>
 #include <velmora/foundation/VelmoraException.h>
+#include <velmora/measures/CoordPoints.h>
+#include <velmora/refsys/CoordSys.h>
 
 #include <filesystem>
 #include <system_error>
@@ -13,6 +16,44 @@ using namespace Velmora;
 namespace fs = std::filesystem;
 
 std::string Utf8(CString const & text) { return text.toStdString(); }
+
+AxisUnits UnitsOf(DB::CDataSource & store, CS::CCoordSys const & system)
+{
+  // A stored system refers to its style, which keeps the units, by code.
+  std::unique_ptr<CSerializable> stored;
+  ML::CCoordPoint const * referred = &system.GetPointStyle();
+  CString const code = VmCode(*referred);
+  if (!code.isEmpty()) {
+    ML::ECoordPointType const type = referred->GetType();
+    long const kind = type == ML::kGeodeticPoint    ? kObjectGeodeticPoint
+                      : type == ML::kProjectedPoint ? kObjectProjectedPoint
+                                                    : kObjectCartesianPoint;
+    stored.reset(store.GetSerializable(kind, CString("VM"), code));
+    if (auto const * point = dynamic_cast<ML::CCoordPoint const *>(stored.get()))
+      referred = point;
+  }
+  ML::CCoordPoint const & style = *referred;
+  AxisUnits units;
+  // One of each axis's unit, in internal units: the style's own conversion.
+  std::unique_ptr<ML::CCoordPoint> one(ML::CCoordPointFactory::CreatePoint(style, 3));
+  one->SetInUnits(1.0, 1.0, 1.0);
+  one->GetInternals(units.perUnit[0], units.perUnit[1], units.perUnit[2]);
+  auto name = [](auto const & value) { return Utf8(value.GetUnits().GetName()); };
+  if (auto const * g = dynamic_cast<ML::CGeodeticPoint const *>(&style)) {
+    units.names[0] = name(g->GetLon());
+    units.names[1] = name(g->GetLat());
+    units.names[2] = name(g->GetHgt());
+  } else if (auto const * p = dynamic_cast<ML::CProjectedPoint const *>(&style)) {
+    units.names[0] = name(p->GetEast());
+    units.names[1] = name(p->GetNorth());
+    units.names[2] = name(p->GetHgt());
+  } else if (auto const * c = dynamic_cast<ML::CCartesianPoint const *>(&style)) {
+    units.names[0] = name(c->GetX());
+    units.names[1] = name(c->GetY());
+    units.names[2] = name(c->GetZ());
+  }
+  return units;
+}
 
 std::string Quoted(CString const & text)
 {

@@ -7,6 +7,7 @@
 #include <velmora/measures/CoordPoints.h>
 #include <velmora/transforms/CoordTransform.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <unistd.h>
 
@@ -126,6 +127,22 @@ std::string SetUpRoute(DB::CDataSource & store, CT::CCoordTransform & transform,
   return "widest of " + std::to_string(candidates.size()) + " candidate routes: " + DescribeChain(transform);
 }
 
+// The failures of an envelope test, of a system or a shift.
+bool IsOutsideArea(EX::CVelmoraException const & e)
+{
+  return e.GetErrorCode() == EX::CVelmoraException::kInputOutOfBounds ||
+         e.GetErrorCode() == EX::CVelmoraException::kOutputOutOfBounds;
+}
+
+// Every envelope accepts while one of these lives.
+struct EnvelopesIgnored
+{
+  EnvelopesIgnored() { DB::CDataSource::SetIgnoreEnvelope(true); }
+  ~EnvelopesIgnored() { DB::CDataSource::SetIgnoreEnvelope(false); }
+  EnvelopesIgnored(EnvelopesIgnored const &) = delete;
+  EnvelopesIgnored & operator=(EnvelopesIgnored const &) = delete;
+};
+
 bool IsNumber(std::string const & text)
 {
   double values[3];
@@ -170,15 +187,21 @@ int RunConvert(Options const & options)
   bool const inverse = options.inverse;
   CS::CCoordSys const & input = inverse ? *target : *source;
   CS::CCoordSys const & output = inverse ? *source : *target;
+  // Each system's own units unless --si; internal units need no scaling.
+  AxisUnits const inUnits = options.si ? AxisUnits{} : UnitsOf(*store, input);
+  AxisUnits const outUnits = options.si ? AxisUnits{} : UnitsOf(*store, output);
+  bool const scaleIn = !inUnits.IsInternal(), scaleOut = !outUnits.IsInternal();
   int const planeDecimals = options.precision.value_or(output.GetType() == CS::kGeodeticCoordSys ? 9 : 4);
   int const heightDecimals = options.precision.value_or(4);
   // Three numbers take the point path, on points made once.
   std::unique_ptr<ML::CCoordPoint> in3(ML::CCoordPointFactory::CreatePoint(input.GetPointStyle().GetType(), 3));
   std::unique_ptr<ML::CCoordPoint> out3(ML::CCoordPointFactory::CreatePoint(output.GetPointStyle().GetType(), 3));
 
+  bool const strict = options.strict;
   OutputBuffer out(stdout);
   long number = 0;
   long failed = 0;
+  long outside = 0;
   auto fail = [&](std::string const & why) {
     out.Append("*\n");
     ++failed;
@@ -197,14 +220,30 @@ int RunConvert(Options const & options)
       fail("not a point (two or three numbers): \"" + std::string(line) + "\"");
       return;
     }
+    if (scaleIn)
+      for (int i = 0; i < count; ++i)
+        v[i] *= inUnits.perUnit[i];
+    double const given[3] = {v[0], v[1], v[2]};
+    auto run = [&]() {
+      if (count == 2)
+        return inverse ? transform.ConvertBack(v[0], v[1]) : transform.ConvertAhead(v[0], v[1]);
+      in3->SetInternals(v[0], v[1], v[2]);
+      bool const done = inverse ? transform.ConvertBack(*in3, *out3) : transform.ConvertAhead(*in3, *out3);
+      out3->GetInternals(v[0], v[1], v[2]);
+      return done;
+    };
     try {
       bool done;
-      if (count == 2) {
-        done = inverse ? transform.ConvertBack(v[0], v[1]) : transform.ConvertAhead(v[0], v[1]);
-      } else {
-        in3->SetInternals(v[0], v[1], v[2]);
-        done = inverse ? transform.ConvertBack(*in3, *out3) : transform.ConvertAhead(*in3, *out3);
-        out3->GetInternals(v[0], v[1], v[2]);
+      try {
+        done = run();
+      } catch (EX::CVelmoraException const & e) {
+        if (strict || !IsOutsideArea(e))
+          throw;
+        // Outside an area of use: converted all the same, and counted.
+        ++outside;
+        std::copy(given, given + 3, v);
+        EnvelopesIgnored ignored;
+        done = run();
       }
       if (!done) {
         fail("the point cannot be converted");
@@ -214,6 +253,9 @@ int RunConvert(Options const & options)
       fail(Utf8(e.GetFullMessage()));
       return;
     }
+    if (scaleOut)
+      for (int i = 0; i < count; ++i)
+        v[i] /= outUnits.perUnit[i];
     out.AppendFixed(v[0], planeDecimals);
     out.Append(' ');
     out.AppendFixed(v[1], planeDecimals);
@@ -234,6 +276,11 @@ int RunConvert(Options const & options)
       convert(line);
   }
   out.Flush();
+  if (outside)
+    std::fprintf(stderr,
+                 "velmora: %ld point%s lay outside an area of use and %s converted all the same "
+                 "(--strict refuses them)\n",
+                 outside, outside == 1 ? "" : "s", outside == 1 ? "was" : "were");
   return failed == 0 ? kExitOk : kExitSomeFailed;
 }
 

@@ -178,7 +178,7 @@ void PrintArea(ML::CEnvelope const & envelope)
   Line("area of use:", text);
 }
 
-void PrintSystem(CS::CCoordSys const & system)
+void PrintSystem(DB::CDataSource & store, CS::CCoordSys const & system)
 {
   if (auto const * projected = dynamic_cast<CS::CProjectedCoordSys const *>(&system)) {
     Line("geodetic base:", Named(projected->GetGeodeticCoordSys()));
@@ -192,6 +192,8 @@ void PrintSystem(CS::CCoordSys const & system)
   } else {
     PrintDatum(system.GetHorizontalDatum());
   }
+  AxisUnits const units = UnitsOf(store, system);
+  Line("units:", units.names[0] + ", " + units.names[1] + ", heights " + units.names[2]);
   PrintArea(system.GetEnvelope());
 }
 
@@ -232,7 +234,7 @@ int RunInfo(Options const & options)
   if (!object->GetRemarks().isEmpty())
     Line("remarks:", Utf8(object->GetRemarks()));
   if (auto const * system = dynamic_cast<CS::CCoordSys const *>(object.get()))
-    PrintSystem(*system);
+    PrintSystem(*store, *system);
   else if (auto const * shift = dynamic_cast<CT::DS::CDatumShift const *>(object.get()))
     PrintShift(*shift);
   else if (auto const * datum = dynamic_cast<CS::CHorizontalDatum const *>(object.get()))

@@ -15,17 +15,21 @@ namespace {
 
 char const kUsage[] =
   "usage:\n"
-  "  velmora convert --from AUTH:CODE --to AUTH:CODE [--inverse] [--precision N]\n"
-  "                  [--route none|SHIFT[,SHIFT]] [--verbose] [--data FILE] [POINT...]\n"
+  "  velmora convert --from AUTH:CODE --to AUTH:CODE [--inverse] [--precision N] [--si]\n"
+  "                  [--strict] [--route none|SHIFT[,SHIFT]] [--verbose] [--data FILE] [POINT...]\n"
   "  velmora info AUTH:CODE [--data FILE]\n"
   "  velmora search TEXT [--type KIND] [--data FILE]\n"
   "  velmora routes --from AUTH:CODE --to AUTH:CODE [--data FILE]\n"
   "\n"
   "convert reads points from the arguments or, without them, from standard input,\n"
-  "one per line: \"x y [z]\", longitude and latitude in degrees for geodetic systems,\n"
-  "easting and northing in metres for projected ones, heights in metres. It writes\n"
-  "one line per input line; a line that fails is written as \"*\" and told on\n"
-  "standard error with its number.\n"
+  "one per line: \"x y [z]\", longitude and latitude for geodetic systems (from the\n"
+  "system's prime meridian), easting and northing for projected ones, each in the\n"
+  "system's own units (\"velmora info\" names them). It writes one line per input\n"
+  "line; a line that fails is written as \"*\" and told on standard error with its\n"
+  "number. Points outside an area of use are converted, and their count is told\n"
+  "on standard error.\n"
+  "  --si            metres and degrees in and out, whatever the systems' units\n"
+  "  --strict        refuse points outside a system's or a datum shift's area of use\n"
   "  --inverse       the points are in the --to system and go to the --from one\n"
   "  --precision N   decimals written (default 9 for degrees, 4 for metres)\n"
   "  --route none    no datum shift\n"
@@ -62,6 +66,10 @@ Options Parse(int argc, char ** argv)
       o.to = value();
     else if (!std::strcmp(a, "--inverse"))
       o.inverse = true;
+    else if (!std::strcmp(a, "--si"))
+      o.si = true;
+    else if (!std::strcmp(a, "--strict"))
+      o.strict = true;
     else if (!std::strcmp(a, "--verbose") || !std::strcmp(a, "-v"))
       o.verbose = true;
     else if (!std::strcmp(a, "--route"))

@@ -214,11 +214,19 @@ TEST_F(Cli, ALineThatIsNotAPointIsToldByNumberAndTheOthersConvert)
   EXPECT_TRUE(errors[4].startsWith("velmora: line 6: "));
 }
 
-TEST_F(Cli, APointOutsideAnAreaIsTheLibrarysMessageForThatPoint)
+TEST_F(Cli, PointsOutsideAnAreaConvertAndAreCountedUnlessStrict)
 {
-  // West of the ED50 area: the shift refuses it; the next point converts.
-  ProgramRun const shifted = Tool({"convert", "--from", "EPSG:4326", "--to", "EPSG:4230", "--route", "-VM:1"},
-                           "-60 45\n9 45\n");
+  // West of the ED50 area: converted all the same, and told once.
+  QStringList const toEd50{"convert", "--from", "EPSG:4326", "--to", "EPSG:4230", "--route", "-VM:1"};
+  ProgramRun const lenient = Tool(toEd50, "-60 45\n9 45\n-61 45\n");
+  EXPECT_EQ(lenient.exitCode, 0);
+  EXPECT_EQ(Text(lenient.err),
+            "velmora: 2 points lay outside an area of use and were converted all the same (--strict refuses them)\n");
+  EXPECT_EQ(ParseRows(lenient.out).size(), 3u);
+  EXPECT_FALSE(lenient.out.contains('*')) << Text(lenient.out);
+
+  // --strict: the shift refuses it with the library's message; the next point converts.
+  ProgramRun const shifted = Tool(toEd50 + QStringList{"--strict"}, "-60 45\n9 45\n");
   EXPECT_EQ(shifted.exitCode, 1);
   EXPECT_EQ(Text(shifted.err), "velmora: line 1: Input point out of bounds [CDatumShift::ShiftForward]: "
                                "Point is not within the specified envelope.\n");
@@ -227,9 +235,9 @@ TEST_F(Cli, APointOutsideAnAreaIsTheLibrarysMessageForThatPoint)
   EXPECT_TRUE(lines[1].startsWith("9.00105")) << Text(shifted.out);
 
   // North of it, on the projected side: ED50 / UTM 32N tests its own area.
-  ProgramRun const projected = Tool({"convert", "--from", "EPSG:23032", "--to", "EPSG:4230"}, "500000 9800000\n");
+  ProgramRun const projected =
+    Tool({"convert", "--from", "EPSG:23032", "--to", "EPSG:4230", "--strict"}, "500000 9800000\n");
   EXPECT_EQ(projected.exitCode, 1);
-  EXPECT_TRUE(projected.err.startsWith("velmora: line 1: ")) << Text(projected.err);
   EXPECT_TRUE(projected.err.contains("[CProjectedCoordSys::ToGeodeticBase]")) << Text(projected.err);
 }
 

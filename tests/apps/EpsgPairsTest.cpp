@@ -1,8 +1,8 @@
 // The tool on the data file the build made from the EPSG registry, against
-// cs2cs on the same points: transverse Mercator systems of many datums and
-// zones within 1 mm, and datum shifts within 1 mm of PROJ where both apply
-// the same EPSG transformation (named in each case: PROJ gets its published
-// parameters as +towgs84, position-vector convention).
+// cs2cs given the same EPSG codes: systems in each unit the registry uses,
+// read and written in those units (or in metres and degrees with --si), and
+// areas of use across the antimeridian. The library's conversions themselves
+// are checked system by system by the EPSG sweep; this is the tool's side.
 #include <gtest/gtest.h>
 
 #include "CliSupport.h"
@@ -13,88 +13,15 @@ using namespace VelmoraTest;
 
 namespace {
 
-QStringList Words(char const * text) { return QString(text).split(' ', Qt::SkipEmptyParts); }
-
-// A grid of points around (lon, lat), `step` degrees apart, three by three.
-std::vector<Row> Around(double lon, double lat, double step)
+// A grid of points around (x, y), `step` apart, three by three.
+std::vector<Row> Around(double x, double y, double step)
 {
   std::vector<Row> points;
   for (int i = -1; i <= 1; ++i)
     for (int j = -1; j <= 1; ++j)
-      points.push_back({lon + i * step, lat + j * step, 0.0});
+      points.push_back({x + i * step, y + j * step, 0.0});
   return points;
 }
-
-struct Pair
-{
-  char const * from;
-  char const * to;
-  char const * projFrom;
-  char const * projTo;
-  double lon, lat; // where the points are
-  char const * route = nullptr;
-  double step = 0.5; // degrees between points
-};
-
-// Geodetic to projected on one datum: no datum shift is taken by either side.
-Pair const kProjections[] = {
-  {"EPSG:4326", "EPSG:32632", "+proj=longlat +datum=WGS84", "+proj=utm +zone=32 +datum=WGS84", 9.0, 48.0},
-  {"EPSG:4326", "EPSG:32633", "+proj=longlat +datum=WGS84", "+proj=utm +zone=33 +datum=WGS84", 15.0, 52.0},
-  {"EPSG:4326", "EPSG:32618", "+proj=longlat +datum=WGS84", "+proj=utm +zone=18 +datum=WGS84", -75.0, 40.0},
-  {"EPSG:4326", "EPSG:32755", "+proj=longlat +datum=WGS84", "+proj=utm +zone=55 +south +datum=WGS84", 147.0, -37.0},
-  {"EPSG:4326", "EPSG:32601", "+proj=longlat +datum=WGS84", "+proj=utm +zone=1 +datum=WGS84", -177.0, 60.0},
-  {"EPSG:4326", "EPSG:32660", "+proj=longlat +datum=WGS84", "+proj=utm +zone=60 +datum=WGS84", 177.0, 60.0},
-  {"EPSG:4326", "EPSG:32723", "+proj=longlat +datum=WGS84", "+proj=utm +zone=23 +south +datum=WGS84", -45.0, -23.0},
-  {"EPSG:4258", "EPSG:25832", "+proj=longlat +ellps=GRS80", "+proj=utm +zone=32 +ellps=GRS80", 9.0, 50.0},
-  {"EPSG:4258", "EPSG:25833", "+proj=longlat +ellps=GRS80", "+proj=utm +zone=33 +ellps=GRS80", 14.0, 52.0},
-  {"EPSG:4269", "EPSG:26918", "+proj=longlat +ellps=GRS80", "+proj=utm +zone=18 +ellps=GRS80", -75.0, 42.0},
-  {"EPSG:4269", "EPSG:26910", "+proj=longlat +ellps=GRS80", "+proj=utm +zone=10 +ellps=GRS80", -123.0, 45.0},
-  {"EPSG:4283", "EPSG:28355", "+proj=longlat +ellps=GRS80", "+proj=utm +zone=55 +south +ellps=GRS80", 147.0, -35.0},
-  {"EPSG:4283", "EPSG:28350", "+proj=longlat +ellps=GRS80", "+proj=utm +zone=50 +south +ellps=GRS80", 117.0, -31.0},
-  {"EPSG:4277", "EPSG:27700", "+proj=longlat +ellps=airy",
-   "+proj=tmerc +lat_0=49 +lon_0=-2 +k=0.9996012717 +x_0=400000 +y_0=-100000 +ellps=airy", -1.5, 53.0},
-  {"EPSG:4314", "EPSG:31467", "+proj=longlat +ellps=bessel",
-   "+proj=tmerc +lat_0=0 +lon_0=9 +k=1 +x_0=3500000 +y_0=0 +ellps=bessel", 9.0, 50.0},
-  {"EPSG:4314", "EPSG:31468", "+proj=longlat +ellps=bessel",
-   "+proj=tmerc +lat_0=0 +lon_0=12 +k=1 +x_0=4500000 +y_0=0 +ellps=bessel", 12.0, 49.0},
-  {"EPSG:4230", "EPSG:23032", "+proj=longlat +ellps=intl", "+proj=utm +zone=32 +ellps=intl", 9.0, 45.0},
-  {"EPSG:4230", "EPSG:23030", "+proj=longlat +ellps=intl", "+proj=utm +zone=30 +ellps=intl", -3.0, 40.0},
-  {"EPSG:4167", "EPSG:2193", "+proj=longlat +ellps=GRS80",
-   "+proj=tmerc +lat_0=0 +lon_0=173 +k=0.9996 +x_0=1600000 +y_0=10000000 +ellps=GRS80", 174.0, -41.0},
-  {"EPSG:4121", "EPSG:2100", "+proj=longlat +ellps=GRS80",
-   "+proj=tmerc +lat_0=0 +lon_0=24 +k=0.9996 +x_0=500000 +y_0=0 +ellps=GRS80", 23.7, 38.0},
-  {"EPSG:4258", "EPSG:3067", "+proj=longlat +ellps=GRS80", "+proj=utm +zone=35 +ellps=GRS80", 25.0, 62.0},
-  {"EPSG:4619", "EPSG:3006", "+proj=longlat +ellps=GRS80",
-   "+proj=tmerc +lat_0=0 +lon_0=15 +k=0.9996 +x_0=500000 +y_0=0 +ellps=GRS80", 16.0, 60.0},
-  {"EPSG:4258", "EPSG:2180", "+proj=longlat +ellps=GRS80",
-   "+proj=tmerc +lat_0=0 +lon_0=19 +k=0.9993 +x_0=500000 +y_0=-5300000 +ellps=GRS80", 19.0, 52.0},
-  {"EPSG:4258", "EPSG:2157", "+proj=longlat +ellps=GRS80",
-   "+proj=tmerc +lat_0=53.5 +lon_0=-8 +k=0.99982 +x_0=600000 +y_0=750000 +ellps=GRS80", -8.0, 53.3},
-  {"EPSG:4757", "EPSG:3414", "+proj=longlat +ellps=WGS84",
-   "+proj=tmerc +lat_0=1.36666666666667 +lon_0=103.833333333333 +k=1 +x_0=28001.642 +y_0=38744.572 "
-   "+ellps=WGS84",
-   103.8, 1.3, nullptr, 0.1},
-};
-
-// Through one EPSG transformation, the same on both sides.
-Pair const kShifts[] = {
-  {"EPSG:4230", "EPSG:4326", "+proj=longlat +ellps=intl +towgs84=-87,-98,-121", "+proj=longlat +datum=WGS84", 9.0,
-   48.0, "VM:1133"}, // ED50 to WGS 84 (1), geocentric translation
-  {"EPSG:4277", "EPSG:4326", "+proj=longlat +ellps=airy +towgs84=446.448,-125.157,542.06,0.15,0.247,0.842,-20.489",
-   "+proj=longlat +datum=WGS84", -1.5, 53.0, "VM:1314"}, // OSGB36 to WGS 84 (6), position vector
-  {"EPSG:4314", "EPSG:4326", "+proj=longlat +ellps=bessel +towgs84=598.1,73.7,418.2,0.202,0.045,-2.455,6.7",
-   "+proj=longlat +datum=WGS84", 9.0, 50.0, "VM:1777"}, // DHDN to WGS 84 (2), position vector
-  {"EPSG:4121", "EPSG:4326", "+proj=longlat +ellps=GRS80 +towgs84=-199.87,74.79,246.62",
-   "+proj=longlat +datum=WGS84", 23.7, 38.0, "VM:1272"}, // GGRS87 to WGS 84 (1)
-  {"EPSG:4284", "EPSG:4326", "+proj=longlat +ellps=krass +towgs84=23.92,-141.27,-80.9,0,0.35,0.82,-0.12",
-   "+proj=longlat +datum=WGS84", 40.0, 56.0, "VM:1267"}, // Pulkovo 1942 to WGS 84 (17)
-  {"EPSG:4326", "EPSG:27700", "+proj=longlat +datum=WGS84",
-   "+proj=tmerc +lat_0=49 +lon_0=-2 +k=0.9996012717 +x_0=400000 +y_0=-100000 +ellps=airy "
-   "+towgs84=446.448,-125.157,542.06,0.15,0.247,0.842,-20.489",
-   -1.5, 53.0, "-VM:1314"}, // the same used backwards, then projected
-  {"EPSG:4326", "EPSG:23032", "+proj=longlat +datum=WGS84", "+proj=utm +zone=32 +ellps=intl +towgs84=-87,-98,-121",
-   9.0, 45.0, "-VM:1133"},
-};
 
 QString ShippedData()
 {
@@ -105,33 +32,92 @@ QString ShippedData()
 #endif
 }
 
-void Compare(Pair const & pair, bool geodeticOutput)
+constexpr double kFootUS = 1200.0 / 3937.0;  // metres
+constexpr double kFoot = 0.3048;             // metres
+constexpr double kGoldCoastFoot = 0.3047997101815088;
+constexpr double kSearsYard = 0.914398414616029;
+constexpr double kDegreesPerGrad = 0.9;
+
+struct UnitCase
 {
-  ProjCase c;
-  c.what = QString(pair.from) + " to " + pair.to;
-  c.tool = QStringList{"--from", pair.from, "--to", pair.to};
-  if (pair.route)
-    c.tool += QStringList{"--route", pair.route};
-  c.cs2cs = Words(pair.projFrom) + QStringList{"+to"} + Words(pair.projTo);
-  c.points = Around(pair.lon, pair.lat, pair.step);
-  c.geodeticOutput = geodeticOutput;
-  ExpectAgreesWithProj(c, ShippedData());
-}
+  char const * what;
+  QStringList tool;  // the tool's options after "convert"
+  QStringList cs2cs; // cs2cs's flags and the two EPSG codes
+  double x, y, step; // where the points are, in the input's units
+  bool geodeticOutput;
+  double unit; // metres of the output unit: 1 mm is 0.001 / unit of it
+};
+
+UnitCase const kUnitCases[] = {
+  {"NAD83 to Delaware (ftUS)", {"--from", "EPSG:4269", "--to", "EPSG:2235"}, {"-r", "EPSG:4269", "EPSG:2235"},
+   -75.5, 39.0, 0.2, false, kFootUS},
+  {"Delaware (ftUS) to NAD83 by --inverse", {"--from", "EPSG:4269", "--to", "EPSG:2235", "--inverse"},
+   {"-s", "EPSG:2235", "EPSG:4269"}, 600000.0, 400000.0, 20000.0, true, 1.0},
+  {"NAD83 to Delaware in metres by --si", {"--from", "EPSG:4269", "--to", "EPSG:2235", "--si"},
+   {"-r", "EPSG:4269", "+to", "+proj=tmerc", "+lat_0=38", "+lon_0=-75.4166666666667", "+k=0.999995",
+    "+x_0=200000.0001016", "+y_0=0", "+ellps=GRS80", "+units=m"},
+   -75.5, 39.0, 0.2, false, 1.0},
+  {"NAD83 to Arizona East (international foot)", {"--from", "EPSG:4269", "--to", "EPSG:2222"},
+   {"-r", "EPSG:4269", "EPSG:2222"}, -110.0, 33.0, 0.5, false, kFoot},
+  {"Accra to Ghana National Grid (Gold Coast foot)", {"--from", "EPSG:4168", "--to", "EPSG:2136"},
+   {"-r", "EPSG:4168", "EPSG:2136"}, -1.0, 6.5, 0.5, false, kGoldCoastFoot},
+  {"NZGD49 to North Island Grid (British yard)", {"--from", "EPSG:4272", "--to", "EPSG:27291"},
+   {"-r", "EPSG:4272", "EPSG:27291"}, 175.5, -39.0, 0.5, false, kSearsYard},
+  {"NTF (Paris) in degrees by --si to NTF", {"--from", "EPSG:4807", "--to", "EPSG:4275", "--si"},
+   {"-r", "-s", "EPSG:4807", "EPSG:4275"}, 0.5, 46.5, 0.5, true, 1.0},
+  // Areas across the antimeridian: every point of the area converts.
+  {"Fiji 1986 to Fiji Map Grid", {"--from", "EPSG:4720", "--to", "EPSG:3460"}, {"-r", "EPSG:4720", "EPSG:3460"},
+   -179.7, -18.0, 0.4, false, 1.0},
+  {"Pulkovo 1942 to Gauss-Kruger zone 60", {"--from", "EPSG:4284", "--to", "EPSG:3389"},
+   {"-r", "-s", "EPSG:4284", "EPSG:3389"}, 179.8, 66.0, 0.5, false, 1.0},
+  {"RGWF96 to UTM zone 1S", {"--from", "EPSG:8900", "--to", "EPSG:8903"}, {"-r", "EPSG:8900", "EPSG:8903"},
+   -178.0, -14.0, 0.3, false, 1.0},
+};
 
 } // namespace
 
-TEST(ShippedData, TransverseMercatorSystemsOfManyDatumsAgreeWithCs2csToAMillimetre)
+TEST(ShippedData, EachSystemsOwnUnitsAgreeWithCs2csToAMillimetre)
 {
   if (ShippedData().isEmpty() || !QFile::exists(ShippedData()))
     GTEST_SKIP() << "no EPSG registry: the data file was not built";
-  for (Pair const & pair : kProjections)
-    Compare(pair, false);
+  for (UnitCase const & u : kUnitCases) {
+    ProjCase c;
+    c.what = u.what;
+    c.tool = u.tool + QStringList{"--strict"};
+    c.cs2cs = u.cs2cs;
+    c.points = Around(u.x, u.y, u.step);
+    c.geodeticOutput = u.geodeticOutput;
+    c.tolerance = 0.001 / u.unit;
+    ExpectAgreesWithProj(c, ShippedData());
+  }
 }
 
-TEST(ShippedData, EpsgTransformationsAgreeWithProjUsingTheSameParameters)
+// cs2cs reads every geographic system in degrees; the tool reads NTF (Paris)
+// in its own grads, counted from Paris, so its input is cs2cs's over 0.9.
+TEST(ShippedData, GradsInAreTheSystemsOwnUnit)
 {
   if (ShippedData().isEmpty() || !QFile::exists(ShippedData()))
     GTEST_SKIP() << "no EPSG registry: the data file was not built";
-  for (Pair const & pair : kShifts)
-    Compare(pair, QString(pair.projTo).startsWith("+proj=longlat"));
+  std::vector<Row> const degrees = Around(0.5, 46.5, 0.5);
+  std::vector<Row> grads = degrees;
+  for (Row & r : grads)
+    r = {r[0] / kDegreesPerGrad, r[1] / kDegreesPerGrad, 0.0};
+  ProgramRun const ours = RunTool(
+    {"convert", "--data", ShippedData(), "--precision", "10", "--from", "EPSG:4807", "--to", "EPSG:4275"},
+    PointsText(grads, 2));
+  ProgramRun const theirs = RunProgram("cs2cs", {"-d", "10", "-r", "-s", "EPSG:4807", "EPSG:4275"}, PointsText(degrees, 2));
+  ASSERT_EQ(ours.exitCode, 0) << ours.err.toStdString();
+  std::vector<Row> const a = ParseRows(ours.out), b = ParseRows(theirs.out);
+  ASSERT_EQ(a.size(), degrees.size());
+  ASSERT_EQ(b.size(), degrees.size());
+  for (std::size_t i = 0; i < a.size(); ++i)
+    EXPECT_LE(Apart(a[i], b[i], true), 0.001) << i;
+  // Back the other way, the output is in grads again.
+  ProgramRun const back = RunTool(
+    {"convert", "--data", ShippedData(), "--precision", "10", "--from", "EPSG:4807", "--to", "EPSG:4275", "--inverse"},
+    ours.out);
+  std::vector<Row> const c = ParseRows(back.out);
+  ASSERT_EQ(c.size(), grads.size());
+  for (std::size_t i = 0; i < c.size(); ++i)
+    EXPECT_NEAR(c[i][0], grads[i][0], 1e-9) << i;
 }
