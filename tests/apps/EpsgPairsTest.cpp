@@ -46,6 +46,7 @@ struct UnitCase
   double x, y, step; // where the points are, in the input's units
   bool geodeticOutput;
   double unit; // metres of the output unit: 1 mm is 0.001 / unit of it
+  int dimensions = 2; // three take the point path
 };
 
 UnitCase const kUnitCases[] = {
@@ -68,6 +69,8 @@ UnitCase const kUnitCases[] = {
   // Areas across the antimeridian: every point of the area converts.
   {"Fiji 1986 to Fiji Map Grid", {"--from", "EPSG:4720", "--to", "EPSG:3460"}, {"-r", "EPSG:4720", "EPSG:3460"},
    -179.7, -18.0, 0.4, false, 1.0},
+  {"Fiji 1986 to Fiji Map Grid with heights", {"--from", "EPSG:4720", "--to", "EPSG:3460"},
+   {"-r", "EPSG:4720", "EPSG:3460"}, -179.7, -18.0, 0.4, false, 1.0, 3},
   {"Pulkovo 1942 to Gauss-Kruger zone 60", {"--from", "EPSG:4284", "--to", "EPSG:3389"},
    {"-r", "-s", "EPSG:4284", "EPSG:3389"}, 179.8, 66.0, 0.5, false, 1.0},
   {"RGWF96 to UTM zone 1S", {"--from", "EPSG:8900", "--to", "EPSG:8903"}, {"-r", "EPSG:8900", "EPSG:8903"},
@@ -88,6 +91,7 @@ TEST(ShippedData, EachSystemsOwnUnitsAgreeWithCs2csToAMillimetre)
     c.points = Around(u.x, u.y, u.step);
     c.geodeticOutput = u.geodeticOutput;
     c.tolerance = 0.001 / u.unit;
+    c.dimensions = u.dimensions;
     ExpectAgreesWithProj(c, ShippedData());
   }
 }
