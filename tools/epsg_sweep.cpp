@@ -433,6 +433,12 @@ int main(int argc, char ** argv)
   store.LoadFile(CString(QString::fromStdString(options.data)));
   Proj proj;
   proj_log_level(proj.ctx, PJ_LOG_NONE);
+  // Grid files are looked for where PROJ keeps its own, beside proj.db.
+  if (char const * db = proj_context_get_database_path(proj.ctx)) {
+    std::string folder(db);
+    folder.erase(folder.find_last_of('/') + 1);
+    DB::CDataSource::SetDataPath(CString(QString::fromStdString(folder)));
+  }
   Report report;
   report.list = options.list;
   std::map<std::string, std::string> names;

@@ -11,22 +11,38 @@ namespace Velmora::CT::DS::detail {
 
 using EX::CVelmoraException;
 
-namespace {
-bool Opens(std::string const & path)
+std::FILE * OpenGridFile(std::string const & path)
 {
   if (path.empty())
-    return false;
+    return nullptr;
   // A folder opens for reading on some systems, but holds no grid.
   std::error_code error;
   if (std::filesystem::is_directory(path, error))
-    return false;
-  std::FILE * file = std::fopen(path.c_str(), "rb");
+    return nullptr;
+  return std::fopen(path.c_str(), "rb");
+}
+
+namespace {
+bool Opens(std::string const & path)
+{
+  std::FILE * file = OpenGridFile(path);
   if (!file)
     return false;
   std::fclose(file);
   return true;
 }
 } // namespace
+
+bool ReadWhole(std::FILE * file, std::vector<unsigned char> & bytes)
+{
+  if (std::fseek(file, 0, SEEK_END) != 0)
+    return false;
+  long const size = std::ftell(file);
+  if (size < 0 || std::fseek(file, 0, SEEK_SET) != 0)
+    return false;
+  bytes.resize(static_cast<std::size_t>(size));
+  return bytes.empty() || std::fread(bytes.data(), 1, bytes.size(), file) == bytes.size();
+}
 
 std::string CurrentDataPath() { return DB::CDataSource::GetDataPath().toStdString(); }
 

@@ -1,9 +1,14 @@
 #pragma once
-// How shift methods find their grid files, and what they raise where their
-// mathematics is not carried yet.
+// What the shift methods share: how they find and read their grid files, the
+// point forms around a computation on plain numbers, and what they raise
+// where their mathematics is not carried yet.
 #include <velmora/foundation/ParameterCollection.h>
+#include <velmora/measures/CoordPoints.h>
 
+#include <cstdio>
+#include <memory>
 #include <string>
+#include <vector>
 
 namespace Velmora::CT::DS::detail {
 
@@ -15,10 +20,38 @@ std::string CurrentDataPath();
 // data path put before it, the two joined with nothing between.
 bool GridFileOpens(CString const & name, std::string const & dataPath);
 
+// The file opened for reading in binary mode by its name as given; null when
+// it does not open (or names a folder).
+std::FILE * OpenGridFile(std::string const & path);
+
+// A grid file read whole, shared by every copy of the shift that loaded it.
+using GridBytes = std::shared_ptr<std::vector<unsigned char> const>;
+
+// The rest of an open file from its start; false on a short read.
+bool ReadWhole(std::FILE * file, std::vector<unsigned char> & bytes);
+
 // Code 31 at `location` while any parameter is unset.
 void RequireParameters(CParameterCollection const & parameters, char const * location);
 
 // Code 50 at `location`: the method exists, its computation does not yet.
 [[noreturn]] void NotCarried(char const * location, CString const & classType);
+
+// The point forms: a height takes part only when `in` has one, and `out`
+// receives as many numbers as it holds.
+template <class Compute>
+bool ThroughPoint(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out, Compute && compute)
+{
+  double lon = 0.0, lat = 0.0, height = 0.0;
+  if (in.GetDimensions() > 2)
+    in.GetInternals(lon, lat, height);
+  else
+    in.GetInternals(lon, lat);
+  compute(lon, lat, height);
+  if (out.GetDimensions() > 2)
+    out.SetInternals(lon, lat, height);
+  else
+    out.SetInternals(lon, lat);
+  return true;
+}
 
 } // namespace Velmora::CT::DS::detail

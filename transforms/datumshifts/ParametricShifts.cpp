@@ -9,6 +9,7 @@
 namespace Velmora::CT::DS {
 
 using detail::RequireParameters;
+using detail::ThroughPoint;
 using Constants::kRadiansPerDegree;
 
 namespace {
@@ -56,24 +57,6 @@ bool ThroughPair(double & lon, double & lat, Routine && routine)
   routine(1, &point);
   lon = point.x;
   lat = point.y;
-  return true;
-}
-
-// The point forms: a height takes part only when `in` has one, and `out`
-// receives as many numbers as it holds.
-template <class Compute>
-bool ThroughPoint(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out, Compute && compute)
-{
-  double lon = 0.0, lat = 0.0, height = 0.0;
-  if (in.GetDimensions() > 2)
-    in.GetInternals(lon, lat, height);
-  else
-    in.GetInternals(lon, lat);
-  compute(lon, lat, height);
-  if (out.GetDimensions() > 2)
-    out.SetInternals(lon, lat, height);
-  else
-    out.SetInternals(lon, lat);
   return true;
 }
 
