@@ -23,7 +23,8 @@ namespace CT {
 class CCoordTransform;
 namespace DS {
 class CDatumShiftInfo;
-}
+class CDatumShift;
+} // namespace DS
 } // namespace CT
 } // namespace Velmora
 
@@ -54,6 +55,7 @@ struct Options
   std::optional<int> precision;
   std::optional<std::string> route; // "none", or a list of shifts
   std::string data;                 // empty: the default file
+  std::string grids;                // folders of grid files, ':' between them
   std::string type;                 // search: a kind of object
   std::vector<std::string> positional;
 };
@@ -108,9 +110,26 @@ using Route = std::vector<RouteStep>;
 bool EstablishRoute(Velmora::DB::CDataSource & store, Velmora::CT::CCoordTransform & transform);
 std::vector<Route> CandidateRoutes(Velmora::DB::CDataSource const & store, Velmora::CS::CCoordSys const & source,
                                    Velmora::CS::CCoordSys const & target);
-// The candidate that serves the widest area: the smallest area of use of its
-// shifts, in square degrees, is largest. The first of equals wins.
-Route const & WidestRoute(Velmora::DB::CDataSource & store, std::vector<Route> const & candidates);
+// The route to take of the candidates, the store's own pick first where
+// `storePick` says the first is that: one whose
+// grid files are all found; then one whose areas of use hold the point (the
+// first point, on the source datum, when given); one that takes a national
+// grid; a shorter one; the store's pick, then the widest area of use (the
+// smallest of its shifts'). The better-placed ones passed over are told in
+// `skipped`, with why. CliError, naming the file, when no candidate has its grids.
+Route ChooseRoute(Velmora::DB::CDataSource & store, std::vector<Route> const & candidates, bool storePick,
+                  std::vector<std::string> const & folders, double const * point, std::vector<std::string> & skipped);
+// "VM:1, then -VM:2"
+std::string RouteText(Route const & route);
+
+// Where the tool looks for grid files: the --grids folders, VELMORA_GRIDS,
+// PROJ_DATA, PROJ_LIB (each a ':' list), then /usr/share/proj.
+std::vector<std::string> GridFolders(std::string const & given);
+// Points a shift's grid file parameters at the files found, as given or in the
+// first folder that holds them; the names not found. The paths taken are
+// added to `used`.
+std::vector<std::string> ResolveGrids(Velmora::CT::DS::CDatumShift & shift, std::vector<std::string> const & folders,
+                                      std::vector<std::string> * used);
 
 int RunConvert(Options const & options);
 int RunInfo(Options const & options);

@@ -17,6 +17,9 @@ using namespace Velmora;
 
 namespace {
 
+// Routes passed over that --verbose names, at the most.
+constexpr std::size_t kSkippedShown = 10;
+
 // "VM:1", "-VM:1" or "VM:1:reverse": a stored shift and the way it is used.
 RouteStep ParseStep(std::string item)
 {
@@ -86,45 +89,99 @@ void CheckChain(CT::CCoordTransform const & transform, CS::CCoordSys const & sou
                  DatumText(target).c_str());
 }
 
-void AddStep(DB::CDataSource & store, CT::CCoordTransform & transform, RouteStep const & step)
+// The route's shifts into the chain, their grid files found in the folders.
+void SetChain(DB::CDataSource & store, CT::CCoordTransform & transform, Route const & route,
+              std::vector<std::string> const & folders, std::vector<std::string> & grids)
 {
-  std::unique_ptr<CT::DS::CDatumShift> shift(store.GetDatumShift(step.shift.issuer, step.shift.code));
-  shift->SetReverseUsage(step.reversed);
-  transform.GetDatumShifts().AddBack(*shift);
+  transform.GetDatumShifts().Clear();
+  for (RouteStep const & step : route) {
+    std::unique_ptr<CT::DS::CDatumShift> shift(store.GetDatumShift(step.shift.issuer, step.shift.code));
+    std::vector<std::string> const missing = ResolveGrids(*shift, folders, &grids);
+    if (!missing.empty())
+      throw CliError("grid file '" + missing.front() + "' of " + ToText(step.shift) +
+                     " not found (give its folder with --grids or VELMORA_GRIDS)");
+    shift->SetReverseUsage(step.reversed);
+    transform.GetDatumShifts().AddBack(*shift);
+  }
 }
 
-// Fills the chain as asked and says how it was chosen.
+// The shifts of the chain as a route.
+Route RouteOf(CT::CCoordTransform const & transform)
+{
+  Route route;
+  CT::DS::CDatumShiftCollection const & chain = transform.GetDatumShifts();
+  for (long i = 0; i < chain.Count(); ++i) {
+    CT::DS::CDatumShift * shift = nullptr;
+    if (!chain.GetItem(i, &shift) || !shift)
+      continue;
+    std::unique_ptr<CT::DS::CDatumShift> owned(chain.IsConcrete() ? nullptr : shift);
+    route.push_back({{CString("VM"), VmCode(*shift)}, shift->GetReverseUsage()});
+  }
+  return route;
+}
+
+// Fills the chain as asked and says how it was chosen. `point`, when given,
+// is the first point on the source datum, which the areas of use should hold.
 std::string SetUpRoute(DB::CDataSource & store, CT::CCoordTransform & transform, Options const & options,
-                       CS::CCoordSys const & source, CS::CCoordSys const & target)
+                       CS::CCoordSys const & source, CS::CCoordSys const & target, double const * point)
 {
   transform.GetDatumShifts().Clear();
   if (options.route && *options.route == "none")
     return "none (--route none)";
+  std::vector<std::string> const folders = GridFolders(options.grids);
+  std::vector<std::string> grids;
+  auto const withGrids = [&grids](std::string text) {
+    for (std::string const & grid : grids)
+      text += "; grid " + grid;
+    return text;
+  };
   if (options.route) {
+    Route given;
     std::string const & list = *options.route;
     for (std::size_t start = 0; start <= list.size();) {
       std::size_t const comma = std::min(list.find(',', start), list.size());
-      AddStep(store, transform, ParseStep(list.substr(start, comma - start)));
+      given.push_back(ParseStep(list.substr(start, comma - start)));
       start = comma + 1;
     }
+    SetChain(store, transform, given, folders, grids);
     CheckChain(transform, source, target);
-    return "given: " + DescribeChain(transform);
+    return withGrids("given: " + DescribeChain(transform));
   }
   CString const sourceDatum = VmCode(source.GetHorizontalDatum());
   if (!sourceDatum.isEmpty() && sourceDatum == VmCode(target.GetHorizontalDatum()))
     return "none (both systems are on datum " + DatumText(source) + ")";
-  if (EstablishRoute(store, transform)) {
-    if (transform.GetDatumShifts().Count() == 0)
-      return "none (the datums are equal)";
-    return "found by the store's route search: " + DescribeChain(transform);
-  }
-  std::vector<Route> const candidates = CandidateRoutes(store, source, target);
+  // The store's own pick first, then every candidate it lists.
+  std::vector<Route> candidates;
+  bool const found = EstablishRoute(store, transform);
+  if (found && transform.GetDatumShifts().Count() == 0)
+    return "none (the datums are equal)";
+  Route const pick = found ? RouteOf(transform) : Route();
+  candidates.push_back(pick);
+  auto const same = [](Route const & a, Route const & b) {
+    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](RouteStep const & x, RouteStep const & y) {
+             return x.reversed == y.reversed && x.shift.code == y.shift.code && x.shift.issuer == y.shift.issuer;
+           });
+  };
+  for (Route & route : CandidateRoutes(store, source, target))
+    if (!same(route, pick))
+      candidates.push_back(std::move(route));
+  if (!found)
+    candidates.erase(candidates.begin());
   if (candidates.empty())
     throw CliError("no datum shift found from " + DatumText(source) + " to " + DatumText(target) +
                    "; give one with --route, or convert without one with --route none");
-  for (RouteStep const & step : WidestRoute(store, candidates))
-    AddStep(store, transform, step);
-  return "widest of " + std::to_string(candidates.size()) + " candidate routes: " + DescribeChain(transform);
+  std::vector<std::string> skipped;
+  Route const chosen = ChooseRoute(store, candidates, found, folders, point, skipped);
+  SetChain(store, transform, chosen, folders, grids);
+  std::string how = found && same(chosen, pick)
+                      ? "found by the store's route search: "
+                      : "chosen of " + std::to_string(candidates.size()) + " candidate routes: ";
+  how = withGrids(how + DescribeChain(transform));
+  for (std::size_t i = 0; i < skipped.size() && i < kSkippedShown; ++i)
+    how += "\nvelmora: passed over " + skipped[i];
+  if (skipped.size() > kSkippedShown)
+    how += "\nvelmora: and " + std::to_string(skipped.size() - kSkippedShown) + " more routes passed over";
+  return how;
 }
 
 // The failures of an envelope test, of a system or a shift.
@@ -178,11 +235,16 @@ int RunConvert(Options const & options)
   std::unique_ptr<CS::CCoordSys> source(store->GetCoordSys(from.issuer, from.code));
   std::unique_ptr<CS::CCoordSys> target(store->GetCoordSys(to.issuer, to.code));
   CT::CCoordTransform transform(source.get(), target.get());
-  std::string const how = SetUpRoute(*store, transform, options, *source, *target);
-  if (options.verbose)
-    std::fprintf(stderr, "velmora: %s \"%s\" to %s \"%s\"%s; datum shift: %s\n", options.from.c_str(),
-                 Utf8(source->GetName()).c_str(), options.to.c_str(), Utf8(target->GetName()).c_str(),
-                 options.inverse ? ", inverse" : "", how.c_str());
+  // The route is chosen at the first point, whose place the areas of use should hold.
+  bool routed = false;
+  auto const setUp = [&](double const * point) {
+    routed = true;
+    std::string const how = SetUpRoute(*store, transform, options, *source, *target, point);
+    if (options.verbose)
+      std::fprintf(stderr, "velmora: %s \"%s\" to %s \"%s\"%s; datum shift: %s\n", options.from.c_str(),
+                   Utf8(source->GetName()).c_str(), options.to.c_str(), Utf8(target->GetName()).c_str(),
+                   options.inverse ? ", inverse" : "", how.c_str());
+  };
 
   bool const inverse = options.inverse;
   CS::CCoordSys const & input = inverse ? *target : *source;
@@ -224,6 +286,16 @@ int RunConvert(Options const & options)
       for (int i = 0; i < count; ++i)
         v[i] *= inUnits.perUnit[i];
     double const given[3] = {v[0], v[1], v[2]};
+    if (!routed) {
+      double place[2] = {v[0], v[1]};
+      bool placed = false;
+      try {
+        EnvelopesIgnored ignored;
+        placed = input.ToGeodeticBase(place[0], place[1]);
+      } catch (EX::CVelmoraException const &) {
+      }
+      setUp(placed ? place : nullptr);
+    }
     auto run = [&]() {
       if (count == 2)
         return inverse ? transform.ConvertBack(v[0], v[1]) : transform.ConvertAhead(v[0], v[1]);
@@ -275,6 +347,8 @@ int RunConvert(Options const & options)
     while (reader.Next(line))
       convert(line);
   }
+  if (!routed)
+    setUp(nullptr);
   out.Flush();
   if (outside)
     std::fprintf(stderr,

@@ -16,7 +16,8 @@ namespace {
 char const kUsage[] =
   "usage:\n"
   "  velmora convert --from AUTH:CODE --to AUTH:CODE [--inverse] [--precision N] [--si]\n"
-  "                  [--strict] [--route none|SHIFT[,SHIFT]] [--verbose] [--data FILE] [POINT...]\n"
+  "                  [--strict] [--route none|SHIFT[,SHIFT]] [--grids DIR[:DIR]] [--verbose]\n"
+  "                  [--data FILE] [POINT...]\n"
   "  velmora info AUTH:CODE [--data FILE]\n"
   "  velmora search TEXT [--type KIND] [--data FILE]\n"
   "  velmora routes --from AUTH:CODE --to AUTH:CODE [--data FILE]\n"
@@ -35,7 +36,12 @@ char const kUsage[] =
   "  --route none    no datum shift\n"
   "  --route LIST    these stored shifts in order, as AUTH:CODE; \"-AUTH:CODE\" or\n"
   "                  \"AUTH:CODE:reverse\" uses a shift from its target to its source\n"
-  "  --verbose       tell on standard error which datum shift route was taken\n"
+  "  --grids DIRS    folders of grid files, looked in before VELMORA_GRIDS, PROJ_DATA,\n"
+  "                  PROJ_LIB and /usr/share/proj\n"
+  "  --verbose       tell on standard error which datum shift route and grids were taken\n"
+  "Without --route, the route is the store's own pick unless another serves better:\n"
+  "one whose grid files are all found, whose areas of use hold the first point, that\n"
+  "takes a national grid, with fewer shifts, in that order.\n"
   "A bare CODE means the issuer VM. The data file defaults to the installed one\n"
   "(<exe dir>/../share/velmora/velmora.xml), else a build tree's data/velmora.xml.\n";
 
@@ -76,6 +82,8 @@ Options Parse(int argc, char ** argv)
       o.route = value();
     else if (!std::strcmp(a, "--data"))
       o.data = value();
+    else if (!std::strcmp(a, "--grids"))
+      o.grids = value();
     else if (!std::strcmp(a, "--type"))
       o.type = value();
     else if (!std::strcmp(a, "--precision")) {

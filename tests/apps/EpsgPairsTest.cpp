@@ -8,6 +8,7 @@
 #include "CliSupport.h"
 
 #include <QFile>
+#include <QTemporaryDir>
 
 using namespace VelmoraTest;
 
@@ -124,4 +125,46 @@ TEST(ShippedData, GradsInAreTheSystemsOwnUnit)
   ASSERT_EQ(c.size(), grads.size());
   for (std::size_t i = 0; i < c.size(); ++i)
     EXPECT_NEAR(c[i][0], grads[i][0], 1e-9) << i;
+}
+
+// DHDN to ETRS89: of the registry's routes the tool takes the national grid
+// BETA2007 where it finds it, and agrees with cs2cs, which takes it too.
+TEST(ShippedData, GridsAreFoundWhereUsersKeepThemAndTakenFirst)
+{
+  if (ShippedData().isEmpty() || !QFile::exists(ShippedData()) || !QFile::exists("/usr/share/proj/BETA2007.gsb"))
+    GTEST_SKIP() << "no EPSG registry or no BETA2007 grid (proj-data)";
+  ProjCase c;
+  c.what = "DHDN to ETRS89 through BETA2007";
+  c.tool = QStringList{"--from", "EPSG:4314", "--to", "EPSG:4258"};
+  c.cs2cs = QStringList{"-r", "-s", "EPSG:4314", "EPSG:4258"};
+  c.points = Around(10.0, 51.0, 1.5);
+  c.geodeticOutput = true;
+  c.tolerance = 1e-9 * 111000.0; // 1e-9 degree on the ground
+  ExpectAgreesWithProj(c, ShippedData());
+
+  // --grids first, then VELMORA_GRIDS, then PROJ's folders.
+  QTemporaryDir folder;
+  ASSERT_TRUE(QFile::link("/usr/share/proj/BETA2007.gsb", folder.filePath("BETA2007.gsb")));
+  QStringList const convert{"convert", "--data", ShippedData(), "--from", "EPSG:4314", "--to", "EPSG:4258", "-v", "10", "51"};
+  ProgramRun const plain = RunTool(convert);
+  EXPECT_TRUE(plain.err.contains("EPSG:15948") && plain.err.contains("grid /usr/share/proj/BETA2007.gsb"))
+    << plain.err.toStdString();
+  ProgramRun const given = RunTool(convert + QStringList{"--grids", folder.path()});
+  EXPECT_TRUE(given.err.contains("grid " + folder.filePath("BETA2007.gsb").toUtf8())) << given.err.toStdString();
+  ProgramRun const environment =
+    RunProgram("env", QStringList{"VELMORA_GRIDS=" + folder.path(), QString(VELMORA_CLI_PATH)} + convert);
+  EXPECT_TRUE(environment.err.contains("grid " + folder.filePath("BETA2007.gsb").toUtf8())) << environment.err.toStdString();
+  EXPECT_EQ(given.out, plain.out);
+
+  // A route whose grid is nowhere: passed over while another runs, named when given.
+  ProgramRun const british =
+    RunTool({"convert", "--data", ShippedData(), "--from", "EPSG:27700", "--to", "EPSG:4230", "-v", "400000", "300000"});
+  EXPECT_EQ(british.exitCode, 0);
+  EXPECT_TRUE(british.err.contains("grid file 'OSTN15_NTv2_OSGBtoETRS.gsb' not found")) << british.err.toStdString();
+  ProgramRun const missing =
+    RunTool({"convert", "--data", ShippedData(), "--from", "EPSG:4267", "--to", "EPSG:4269", "--route", "EPSG:1313",
+             "--grids", folder.path(), "-100", "40"});
+  EXPECT_EQ(missing.exitCode, 2);
+  EXPECT_EQ(missing.err.toStdString(), "velmora: grid file 'NTv2_0.gsb' of EPSG:1313 not found (give its folder with "
+                                       "--grids or VELMORA_GRIDS)\n");
 }
