@@ -145,6 +145,10 @@ std::unique_ptr<DB::CDataSource> OpenStore(std::string const & path)
   std::error_code error;
   if (!fs::is_regular_file(path, error))
     throw CliError("cannot read the data file " + path);
+  // Geoid rasters and other grid files that ship lie beside the data file;
+  // objects take the data path when they are made.
+  if (DB::CDataSource::GetDataPath().isEmpty())
+    DB::CDataSource::SetDataPath(CString(QString::fromStdString(fs::absolute(path, error).parent_path().string() + "/")));
   auto store = std::make_unique<DB::CDataSource>();
   try {
     store->LoadFile(CString(path));

@@ -6,6 +6,7 @@
 #include <velmora/foundation/VelmoraException.h>
 #include <velmora/measures/CoordPoints.h>
 #include <velmora/transforms/CoordTransform.h>
+#include <velmora/vertical/VerticalReference.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -184,6 +185,39 @@ std::string SetUpRoute(DB::CDataSource & store, CT::CCoordTransform & transform,
   return how;
 }
 
+// The geodetic system whose vertical reference says what a system's heights mean.
+CS::CGeodeticCoordSys const * HeightSystem(CS::CCoordSys const & system)
+{
+  if (auto const * projected = dynamic_cast<CS::CProjectedCoordSys const *>(&system))
+    return &projected->GetGeodeticCoordSys();
+  return dynamic_cast<CS::CGeodeticCoordSys const *>(&system);
+}
+
+// Where one system has a vertical reference and the other none, the other's
+// heights are above its ellipsoid, as PROJ takes them too: it gets a
+// reference without datum or model. True when heights are to be adjusted.
+bool GiveEllipsoidalHeights(CS::CCoordSys & source, CS::CCoordSys & target)
+{
+  auto const has = [](CS::CCoordSys const & s) {
+    CS::CGeodeticCoordSys const * geodetic = HeightSystem(s);
+    return geodetic && geodetic->GetVerticalReference();
+  };
+  if (has(source) == has(target))
+    return has(source);
+  CS::CCoordSys & plain = has(source) ? target : source;
+  CS::VR::CVerticalReference const ellipsoidal;
+  if (auto * geodetic = dynamic_cast<CS::CGeodeticCoordSys *>(&plain)) {
+    geodetic->SetVerticalReference(ellipsoidal);
+  } else if (auto * projected = dynamic_cast<CS::CProjectedCoordSys *>(&plain)) {
+    CS::CGeodeticCoordSys base(projected->GetGeodeticCoordSys());
+    base.SetVerticalReference(ellipsoidal);
+    projected->SetGeodeticCoordSys(base);
+  } else {
+    return false; // geocentric heights are ellipsoidal already; fitted systems keep theirs
+  }
+  return true;
+}
+
 // The failures of an envelope test, of a system or a shift.
 bool IsOutsideArea(EX::CVelmoraException const & e)
 {
@@ -234,12 +268,16 @@ int RunConvert(Options const & options)
   std::unique_ptr<DB::CDataSource> store = OpenStore(DataFilePath(options.data));
   std::unique_ptr<CS::CCoordSys> source(store->GetCoordSys(from.issuer, from.code));
   std::unique_ptr<CS::CCoordSys> target(store->GetCoordSys(to.issuer, to.code));
+  bool const vertical = GiveEllipsoidalHeights(*source, *target);
   CT::CCoordTransform transform(source.get(), target.get());
   // The route is chosen at the first point, whose place the areas of use should hold.
   bool routed = false;
   auto const setUp = [&](double const * point) {
     routed = true;
     std::string const how = SetUpRoute(*store, transform, options, *source, *target, point);
+    // Heights follow the vertical references once the chain is set.
+    if (vertical)
+      transform.InitializeVerticalTransform();
     if (options.verbose)
       std::fprintf(stderr, "velmora: %s \"%s\" to %s \"%s\"%s; datum shift: %s\n", options.from.c_str(),
                    Utf8(source->GetName()).c_str(), options.to.c_str(), Utf8(target->GetName()).c_str(),

@@ -31,15 +31,7 @@ CSimpleRasterModel::CSimpleRasterModel(Type type)
 {
 }
 
-CString CSimpleRasterModel::GridFileName() const
-{
-  CParameterCollection const & parameters = GetParameters();
-  CString path = parameters.GetString(Table::kPath);
-  CString const file = parameters.GetString(Table::kFile);
-  if (!path.isEmpty() && !path.endsWith(QLatin1Char('/')) && !path.endsWith(QLatin1Char('\\')))
-    path += '/';
-  return CString(path + file);
-}
+CString CSimpleRasterModel::GridFileName() const { return detail::ModelFileName(GetParameters()); }
 
 double CSimpleRasterModel::Interpolate(ML::CGeodeticPoint const & point) const
 {

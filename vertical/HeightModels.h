@@ -5,6 +5,10 @@
 #include <velmora/vertical/HeightModel.h>
 #include <velmora/vertical/SimpleGriddedData.h>
 
+#include <cstdint>
+#include <memory>
+#include <vector>
+
 namespace Velmora::CS::VR {
 
 // Gives a class its type.
@@ -88,10 +92,37 @@ public:
   COSGM02() = default;
 };
 
-class VELMORA_API CEGM96 final : public THeightModel<CUnreadGridModel, CHeightModel::kEGM96>
+// The EGM96 geoid on its whole-world raster of 15 minutes ("WW15MGH.DAC":
+// 721 rows from 90 N to 90 S by 1440 columns from 0 E, big-endian 16-bit
+// centimetres), read whole once and shared by copies. The height is a
+// natural cubic spline in each row of a 4 by 4 window of nodes and then one
+// across the rows' results (the equidistant spline of the NGA's EGM96
+// interpolation program), bilinear where the window would leave the poles'
+// rows. Codes: 10 for a file that can't be opened, 59 for one of another size.
+class VELMORA_API CEGM96 final : public THeightModel<CHeightModel, CHeightModel::kEGM96>
 {
 public:
-  CEGM96() = default;
+  static constexpr long kRows = 721;
+  static constexpr long kColumns = 1440;
+  static constexpr double kNodesPerDegree = 4.0;
+
+  CEGM96();
+  double Interpolate(ML::CGeodeticPoint const & point) const override;
+  // A change of "path" or "file" lets the raster go; it is read again at the next call.
+  void OnChange(unsigned short const * name) override;
+  CHeightModel & operator=(CHeightModel const & other) override;
+
+private:
+  void SetupInner() const;
+  // In metres, at a position in the padded buffer's columns and rows.
+  double EquidistantSplineInterpolation(double column, double row, int window) const;
+  double BilinearInterpolation(double column, double row) const;
+  double Node(long row, long column) const; // centimetres; 0 outside
+
+  int m_window = 4; // nodes across the spline window
+  int m_pad = 10;   // columns copied across longitude 0 on either side
+  CString m_dataPath;
+  mutable std::shared_ptr<std::vector<std::int16_t> const> m_grid;
 };
 
 class VELMORA_API CGEOCOL04 final : public THeightModel<CSimpleRasterModel, CHeightModel::kGEOCOL04>

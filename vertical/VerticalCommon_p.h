@@ -30,4 +30,14 @@ inline void RegisterParameters(CParameterCollection & parameters, Table::Row con
     parameters.AddString(CString(name), false);
 }
 
+// A model's grid file: "path" and "file" joined by one separator.
+inline CString ModelFileName(CParameterCollection const & parameters)
+{
+  CString path = parameters.GetString(Table::kPath);
+  CString const file = parameters.GetString(Table::kFile);
+  if (!path.isEmpty() && !path.endsWith(QLatin1Char('/')) && !path.endsWith(QLatin1Char('\\')))
+    path += '/';
+  return CString(path + file);
+}
+
 } // namespace Velmora::CS::VR::detail

@@ -435,6 +435,65 @@ CS::CGeodeticCoordSys const * Builder::GeodeticCrs(std::string const & code)
   return Cached(m_geodetic, kObjectGeodeticCoordSys, code);
 }
 
+// A geographic system with heights above a geoid of a model the library
+// reads and the build ships: the horizontal system's definition with a
+// vertical reference of an unassociated vertical datum and the model. Only
+// EGM96 (datum 5171) so far, on the raster made beside the data file.
+bool Builder::GeoidCrs(std::string const & code)
+{
+  struct Model
+  {
+    char const * datum;
+    CS::VR::CHeightModel::Type type;
+    char const * file;
+  };
+  static Model const kModels[] = {{"5171", CS::VR::CHeightModel::kEGM96, "WW15MGH.DAC"}};
+  CompoundCrs const & crs = m_registry.compoundCrs.at(code);
+  Model const * model = nullptr;
+  for (Model const & m : kModels)
+    if (crs.verticalDatum == m.datum)
+      model = &m;
+  if (!model)
+    return false;
+  CS::CGeodeticCoordSys const * horizontal = GeodeticCrs(crs.horizontal);
+  if (!horizontal) {
+    Skip("compound: horizontal system not in the file");
+    return false;
+  }
+  CString const area = Envelope(m_registry.ExtentsOf("compound_crs", code));
+  std::unique_ptr<ML::CEnvelope> envelope(Stored<ML::CEnvelope>(kObjectEnvelope, area));
+  CString const datumCode(crs.verticalDatum);
+  if (!m_store.FindObject(kObjectVerticalDatum, CString("VM"), datumCode)) {
+    std::unique_ptr<CS::VR::CVerticalDatum> datum(
+      CS::VR::CVerticalDatumFactory::CreateVerticalDatum(CS::VR::CVerticalDatum::kGeneric));
+    Identify(*datum, crs.verticalDatumName, datumCode, crs.verticalDatum);
+    datum->SetEnvelope(*envelope);
+    m_store.PutVerticalDatum(*datum, false);
+    std::unique_ptr<CS::VR::CHeightModel> geoid(CS::VR::CHeightModelFactory::CreateHeightModel(model->type));
+    Identify(*geoid, crs.verticalDatumName + " model", datumCode, "");
+    geoid->SetEnvelope(*envelope);
+    geoid->SetHorizontalDatum(horizontal->GetHorizontalDatum());
+    // The raster lies beside the data file, which is where the data path points.
+    geoid->GetParameters().SetString(CString("path"), CString(""));
+    geoid->GetParameters().SetString(CString("file"), CString(model->file));
+    m_store.PutHeightModel(*geoid, false);
+    std::unique_ptr<CS::VR::CVerticalDatum> storedDatum(m_store.GetVerticalDatum(datumCode));
+    std::unique_ptr<CS::VR::CHeightModel> storedModel(m_store.GetHeightModel(datumCode));
+    CS::VR::CVerticalReference reference(storedDatum.get(), storedModel.get());
+    Identify(reference, crs.verticalDatumName + " height", datumCode, "");
+    m_store.PutVerticalReference(reference, false);
+  }
+  std::unique_ptr<CS::VR::CVerticalReference> reference(m_store.GetVerticalReference(datumCode));
+  CS::CGeodeticCoordSys system(*horizontal);
+  system.GetIdentifiers().Clear();
+  Identify(system, crs.name, CString(code), code);
+  system.SetVerticalReference(*reference);
+  system.SetEnvelope(*envelope);
+  m_store.PutGeodeticCoordSys(system, false);
+  ++m_made["compound: vertical datum " + crs.verticalDatum + " -> geodetic system with a geoid model"];
+  return true;
+}
+
 bool Builder::GeocentricCrs(std::string const & code)
 {
   VelmoraData::GeodeticCrs const & crs = m_registry.geodeticCrs.at(code);
@@ -806,6 +865,9 @@ void Builder::Build()
   for (auto const & [code, crs] : m_registry.projectedCrs)
     if (Wanted(code))
       ProjectedCrs(code);
+  for (auto const & [code, crs] : m_registry.compoundCrs)
+    if (Wanted(code))
+      GeoidCrs(code);
   for (auto const & [code, t] : m_registry.transformations)
     if (Wanted(code))
       Shift(code);

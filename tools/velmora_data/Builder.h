@@ -58,6 +58,7 @@ private:
   Velmora::CS::CGeodeticCoordSys const * GeodeticCrs(std::string const & code);
   bool GeocentricCrs(std::string const & code);
   bool ProjectedCrs(std::string const & code);
+  bool GeoidCrs(std::string const & code);
   bool Shift(std::string const & code);
   long AreaFolder(long type, std::vector<std::string> const & extents);
 

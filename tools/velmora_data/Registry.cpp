@@ -116,6 +116,14 @@ Registry::Registry(std::string const & path)
        q.Next();)
     geodeticCrs[q.Text(0)] = GeodeticCrs{q.Text(0), q.Text(1), q.Text(2), q.Text(3), q.Text(4)};
 
+  for (Query q(db.get(), "SELECT c.code, c.name, c.horiz_crs_code, v.datum_code, d.name "
+                         "FROM compound_crs c JOIN vertical_crs v ON v.auth_name = c.vertical_crs_auth_name "
+                         "AND v.code = c.vertical_crs_code JOIN vertical_datum d ON d.auth_name = v.datum_auth_name "
+                         "AND d.code = v.datum_code WHERE c.auth_name = 'EPSG' AND c.deprecated = 0 "
+                         "AND c.horiz_crs_auth_name = 'EPSG' AND v.datum_auth_name = 'EPSG'");
+       q.Next();)
+    compoundCrs[q.Text(0)] = CompoundCrs{q.Text(0), q.Text(1), q.Text(2), q.Text(3), q.Text(4)};
+
   for (char const * sql : {"SELECT code, name FROM coordinate_operation_method WHERE auth_name = 'EPSG'",
                            "SELECT code, name FROM conversion_method WHERE auth_name = 'EPSG'",
                            "SELECT DISTINCT method_code, method_name FROM grid_transformation "

@@ -68,6 +68,13 @@ struct ProjectedCrs
   std::string code, name, coordinateSystem, base, conversion;
 };
 
+// A compound system: a horizontal system with a vertical one, by the
+// vertical system's datum.
+struct CompoundCrs
+{
+  std::string code, name, horizontal, verticalDatum, verticalDatumName;
+};
+
 // A transformation of any of the three tables, reduced to what the shift
 // methods need: parameters by EPSG parameter code, grid files by role.
 struct Transformation
@@ -94,6 +101,7 @@ public:
   std::map<std::string, Conversion> conversions;
   std::map<std::string, ProjectedCrs> projectedCrs;
   std::map<std::string, Transformation> transformations;
+  std::map<std::string, CompoundCrs> compoundCrs;
   std::map<std::string, std::string> methodNames; // coordinate operation methods by code
   // Extent codes of an object, keyed by "table:code" as the registry's usage table names it.
   std::map<std::string, std::vector<std::string>> usages;
