@@ -10,6 +10,11 @@ No package ships a nested NTv2 grid or a NADCON pair, so they are made here:
 - beta2007.las / beta2007.los: a NADCON pair holding, node for node, the
   values of PROJ's BETA2007.gsb (proj-data), so that the NADCON reader and
   PROJ's NTv2 reader can be compared on the very same values.
+- ngs/: grids of the NGS formats (binary GEOID99 style, titled GEOID96 and
+  VERTCON style) holding a biquadratic surface and a plane, which the
+  readers' windows reproduce exactly, a .par list, and damaged files.
+- os/: an Ordnance Survey shift-record grid of a known plane with one node
+  without data, and one cut short.
 - bad/: damaged and edge-case files: sub-file counts of 0, 200 and 201, a
   missing SUB_NAME, a file cut short, NADCON pairs whose headers differ, and
   a small NADCON pair of known values for the last-row and last-column reads.
@@ -132,6 +137,73 @@ def nadcon_pair(values, nodes, ident=b"NADCON pair from an NTv2 grid"):
     return las, los
 
 
+# NGS geoid grids ------------------------------------------------------------
+# A biquadratic surface in node units x, y from the south-west corner of the
+# first binary grid, which the 3 by 3 quadratic window reproduces exactly.
+NGS_WEST, NGS_SOUTH, NGS_STEP = 250.0, 30.0, 0.25
+
+
+def ngs_surface(lon, lat):
+    x, y = (lon - NGS_WEST) / NGS_STEP, (lat - NGS_SOUTH) / NGS_STEP
+    return -20.0 + 0.5 * x + 0.25 * y + 0.01 * x * x - 0.02 * y * y + 0.003 * x * y
+
+
+def ngs_binary(south, west, rows, cols, surface):
+    """GEOID99-style: 44-byte header, then rows of floats from the south."""
+    head = struct.pack("<ddddiii", south, west, NGS_STEP, NGS_STEP, rows, cols, 1)
+    body = b"".join(struct.pack("<f", surface(west + c * NGS_STEP, south + r * NGS_STEP))
+                    for r in range(rows) for c in range(cols))
+    return head + body
+
+
+def ngs_titled(ident, south, west, rows, cols, surface):
+    """GEOID96- and VERTCON-style: a header record, then rows behind a lead word."""
+    head = b"Test surface".ljust(56, b" ") + ident.ljust(8, b" ") + struct.pack("<iii", cols, rows, 1) + \
+        struct.pack("<fffff", west, NGS_STEP, south, NGS_STEP, 0.0)
+    record = (cols + 1) * 4
+    data = head.ljust(record, b"\0")
+    for r in range(rows):
+        data += b"\0" * 4 + b"".join(struct.pack("<f", surface(west + c * NGS_STEP, south + r * NGS_STEP))
+                                     for c in range(cols))
+    return data
+
+
+def vertcon_plane(lon, lat):
+    """Millimetres of NAVD88 over NGVD29."""
+    return 100.0 + 3.0 * (lon + 110.0) / NGS_STEP + 5.0 * (lat - NGS_SOUTH) / NGS_STEP
+
+
+def ngs_grids():
+    # Two binary files side by side (250 to 252 E and 252 to 254 E), listed by a .par file and found in a folder.
+    write("ngs/west.bin", ngs_binary(NGS_SOUTH, 250.0, 9, 9, ngs_surface))
+    write("ngs/east.bin", ngs_binary(NGS_SOUTH, 252.0, 9, 9, ngs_surface))
+    write("ngs/list.par", b"* two test grids\nwest part   west\neast part   east\nx\n")
+    # Titled (a record must hold the 96 bytes of the header: 23 columns or
+    # more): a GEOID96 grid of the same surface, a VERTCON grid of a plane
+    # (negative longitudes, as VERTCON counts them), and two damaged ones.
+    write("ngs/titled/g96.geo", ngs_titled(b"GEOGRD96", NGS_SOUTH, 250.0, 9, 25, ngs_surface))
+    write("ngs/vertcon/plane.94", ngs_titled(b"vertc2.0", NGS_SOUTH, -110.0, 9, 25, vertcon_plane))
+    good = ngs_titled(b"GEOGRD96", NGS_SOUTH, 250.0, 9, 25, ngs_surface)
+    write("ngs/short/short.geo", good[:-4])
+    write("ngs/other/other.geo", good[:56] + b"NOTAGRID" + good[64:])
+
+
+def os_records():
+    """A 10 by 10 km grid of Ordnance Survey shift records from E 400 km,
+    N 300 km on the National Grid: a geoid height of the plane
+    50 + E' / 1000 + N' / 500 metres (E', N' metres from the grid's corner),
+    shifts of 100 and -80 m, and no data at the node of (405, 305) km."""
+    columns, rows, first_col, first_row = 10, 10, 400.0, 300.0
+    data = struct.pack("<hdddd", 0, columns, rows, first_col, first_row)
+    for j in range(rows + 1):
+        for i in range(columns + 1):
+            e, n = 1000.0 * i, 1000.0 * j
+            flag = 0 if (i, j) == (5, 5) else 1
+            data += struct.pack("<dddh", 100.0, -80.0, 50.0 + e / 1000.0 + n / 500.0, flag)
+    write("os/osgm_test.dat", data)
+    write("os/short.dat", data[:200])
+
+
 def write(name, data):
     path = os.path.join(OUT, name)
     os.makedirs(os.path.dirname(path), exist_ok=True)
@@ -172,6 +244,8 @@ def main():
     las, los = nadcon_pair(values, steep, b"steep")
     write("bad/steep.las", las)
     write("bad/steep.los", los)
+    ngs_grids()
+    os_records()
 
 
 if __name__ == "__main__":

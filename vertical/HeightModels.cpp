@@ -18,12 +18,61 @@ CString InterpolateLocation(CHeightModel::Type type)
 }
 } // namespace
 
-double CUnreadGridModel::Interpolate(ML::CGeodeticPoint const &) const
+CNGSGeoidModel::CNGSGeoidModel(Type type) : CHeightModel(type), CNGSGriddedData(type == kGEOID96 ? kTitled : kBinary) {}
+
+double CNGSGeoidModel::Interpolate(ML::CGeodeticPoint const & point) const
 {
   if (!GetParameters().AllItemsSet())
     return 0.0;
   Table::Row const & row = RowOf(GetType());
-  throw CVelmoraException(CVelmoraException::kFileNotFound, row.openLocation, row.openDetails);
+  SetupFiles(GetParameters().GetString(Table::kPath), GetParameters().GetString(Table::kExtension), row.openLocation,
+             row.openDetails);
+  CString const location = InterpolateLocation(GetType());
+  if (!GetEnvelope().InBounds(point))
+    throw CVelmoraException(CVelmoraException::kInputOutOfBounds, location, Table::kOutsideEnvelope);
+  double lon = point.GetLon().GetInternal();
+  if (lon <= 0.0) // the NGS grids count longitudes east from 0 to 360
+    lon += 360.0;
+  return Quadratic(point.GetLat().GetInternal(), lon, GetType() == kGEOID96, location.toStdString().c_str());
+}
+
+void CNGSGeoidModel::OnChange(unsigned short const *) { SmokeGridFileCollection(); }
+
+CHeightModel & CNGSGeoidModel::operator=(CHeightModel const & other)
+{
+  if (&other == this)
+    return *this;
+  CHeightModel::operator=(other);
+  if (other.GetType() == GetType())
+    CNGSGriddedData::operator=(dynamic_cast<CNGSGriddedData const &>(other));
+  return *this;
+}
+
+double COSGM02::Interpolate(ML::CGeodeticPoint const & point) const
+{
+  if (!GetParameters().AllItemsSet())
+    return 0.0;
+  if (!IsGridReady())
+    InitializeGridFile(detail::ModelFileName(GetParameters()), GetHorizontalDatum());
+  std::string const location = InterpolateLocation(GetType()).toStdString();
+  if (!GetEnvelope().InBounds(point))
+    throw CVelmoraException(CVelmoraException::kInputOutOfBounds, CString(location), Table::kOutsideEnvelope);
+  long low = 0, high = 0;
+  double x = 0.0, y = 0.0;
+  GetRecordNumbers(point.GetLon().GetInternal(), point.GetLat().GetInternal(), low, high, x, y, location.c_str());
+  return LookUpGeoidShift(low, high, x, y, location.c_str());
+}
+
+void COSGM02::OnChange(unsigned short const *) { CloseGridFile(); }
+
+CHeightModel & COSGM02::operator=(CHeightModel const & other)
+{
+  if (&other == this)
+    return *this;
+  CHeightModel::operator=(other);
+  if (other.GetType() == GetType())
+    COSGriddedData::operator=(dynamic_cast<COSGriddedData const &>(other));
+  return *this;
 }
 
 CSimpleRasterModel::CSimpleRasterModel(Type type)

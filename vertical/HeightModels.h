@@ -1,8 +1,10 @@
 #pragma once
-// The eleven height model types. The simple rasters interpolate in their
-// grid files; the models whose grid formats are not read yet keep their
-// parameters and report a set-up model as having no grid available.
+// The eleven height model types, each interpolating in its grid files: the
+// NGS formats, the Ordnance Survey's shift records, the EGM96 world raster
+// and the simple rasters.
 #include <velmora/vertical/HeightModel.h>
+#include <velmora/vertical/NGSGriddedData.h>
+#include <velmora/vertical/OSGriddedData.h>
 #include <velmora/vertical/SimpleGriddedData.h>
 
 #include <cstdint>
@@ -27,17 +29,24 @@ protected:
   THeightModel & operator=(THeightModel const &) = default;
 };
 
-// A model whose grid format this library does not read yet: with every
-// parameter set it raises code 10, as for a grid file that can't be opened.
-class VELMORA_API CUnreadGridModel : public CHeightModel
+// A geoid over NGS grid files: "path" a folder or a .par list, "extension"
+// of the files. The height is quadratic in a 3 by 3 window of nodes. Codes:
+// 43 outside the envelope, 10 where no file holds the point or none can be
+// opened, 59 for a file whose header or length is wrong or a window that
+// can't be read.
+class VELMORA_API CNGSGeoidModel : public CHeightModel, public CNGSGriddedData
 {
 public:
   double Interpolate(ML::CGeodeticPoint const & point) const override;
+  // A change of "path" or "extension" lets the files go.
+  void OnChange(unsigned short const * name) override;
+  CHeightModel & operator=(CHeightModel const & other) override;
 
 protected:
-  using CHeightModel::CHeightModel;
-  CUnreadGridModel(CUnreadGridModel const &) = default;
-  CUnreadGridModel & operator=(CUnreadGridModel const &) = default;
+  // GEOID96 reads titled files, the others binary ones.
+  explicit CNGSGeoidModel(Type type);
+  CNGSGeoidModel(CNGSGeoidModel const &) = default;
+  CNGSGeoidModel & operator=(CNGSGeoidModel const &) = default;
 };
 
 // A model over one fixed raster, named by the parameters "path" and "file".
@@ -62,34 +71,42 @@ protected:
   CSimpleRasterModel & operator=(CSimpleRasterModel const &) = default;
 };
 
-class VELMORA_API CGEOID96 final : public THeightModel<CUnreadGridModel, CHeightModel::kGEOID96>
+class VELMORA_API CGEOID96 final : public THeightModel<CNGSGeoidModel, CHeightModel::kGEOID96>
 {
 public:
   CGEOID96() = default;
 };
 
-class VELMORA_API CGEOID99 final : public THeightModel<CUnreadGridModel, CHeightModel::kGEOID99>
+class VELMORA_API CGEOID99 final : public THeightModel<CNGSGeoidModel, CHeightModel::kGEOID99>
 {
 public:
   CGEOID99() = default;
 };
 
-class VELMORA_API CGEOID03 final : public THeightModel<CUnreadGridModel, CHeightModel::kGEOID03>
+class VELMORA_API CGEOID03 final : public THeightModel<CNGSGeoidModel, CHeightModel::kGEOID03>
 {
 public:
   CGEOID03() = default;
 };
 
-class VELMORA_API CAUSGEOID98 final : public THeightModel<CUnreadGridModel, CHeightModel::kAUSGEOID98>
+class VELMORA_API CAUSGEOID98 final : public THeightModel<CNGSGeoidModel, CHeightModel::kAUSGEOID98>
 {
 public:
   CAUSGEOID98() = default;
 };
 
-class VELMORA_API COSGM02 final : public THeightModel<CUnreadGridModel, CHeightModel::kOSGM02>
+// OSGM02, the geoid of Great Britain's National Grid, on the Ordnance
+// Survey's shift records ("path" and "file"): bilinear in its 1 km cell.
+// Codes: 43 outside the envelope, the grid, or where a corner has no data;
+// 10 for a file that can't be opened; 59 for a damaged one.
+class VELMORA_API COSGM02 final : public THeightModel<CHeightModel, CHeightModel::kOSGM02>, public COSGriddedData
 {
 public:
   COSGM02() = default;
+  double Interpolate(ML::CGeodeticPoint const & point) const override;
+  // A change of "path" or "file" closes the grid.
+  void OnChange(unsigned short const * name) override;
+  CHeightModel & operator=(CHeightModel const & other) override;
 };
 
 // The EGM96 geoid on its whole-world raster of 15 minutes ("WW15MGH.DAC":

@@ -4,6 +4,10 @@
 
 #include <array>
 
+#include <algorithm>
+#include <cmath>
+#include <string>
+
 namespace Velmora::CS::VR {
 
 using EX::CVelmoraException;
@@ -122,13 +126,32 @@ CVerticalDatum & CVerticalDatum::operator=(CVerticalDatum const & other)
 
 // The types
 
-double CVertCon94::Interpolate(ML::CGeodeticPoint const &) const
+double CVertCon94::Interpolate(ML::CGeodeticPoint const & point) const
 {
+  constexpr double kMetresPerMillimetre = 0.001;
   if (!GetParameters().AllItemsSet())
     return 0.0;
   Table::Row const & row = *Table::VerticalDatumRow(GetType());
-  throw CVelmoraException(CVelmoraException::kFileNotFound, row.openLocation, row.openDetails);
+  SetupFiles(GetParameters().GetString(Table::kPath), GetParameters().GetString(Table::kExtension), row.openLocation,
+             row.openDetails);
+  CString const location = CString(row.className) + CString("::Interpolate");
+  std::string const where = location.toStdString();
+  double lat = point.GetLat().GetInternal(), lon = point.GetLon().GetInternal();
+  CGridFile const & grid = FileFor(lat, lon, where.c_str());
+  grid.Contains(lat, lon);
+  double const x = (lon - grid.west) / grid.columnSpacing, y = (lat - grid.south) / grid.rowSpacing;
+  // The cell of the point; on the last row or column the one before it.
+  long const column = std::min(static_cast<long>(x), grid.columns - 2);
+  long const row0 = std::min(static_cast<long>(y), grid.rows - 2);
+  float corners[4];
+  if (column < 0 || row0 < 0 || !ReadFloats(NodeOffset(grid, row0, column), 2, corners) ||
+      !ReadFloats(NodeOffset(grid, row0 + 1, column), 2, corners + 2))
+    throw CVelmoraException(CVelmoraException::kGridRead, location, Table::kGridReadFailure);
+  float const t = static_cast<float>(x - column), u = static_cast<float>(y - row0);
+  return std::trunc(BilinearInterpolation(t, u, corners)) * kMetresPerMillimetre;
 }
+
+void CVertCon94::OnChange(unsigned short const *) { SmokeGridFileCollection(); }
 
 double CGenericVerticalDatum::Interpolate(ML::CGeodeticPoint const & point) const
 {

@@ -4,6 +4,7 @@
 #include <velmora/foundation/ParameterCollection.h>
 #include <velmora/foundation/ParameterizedHandle.h>
 #include <velmora/measures/Envelope.h>
+#include <velmora/vertical/NGSGriddedData.h>
 
 #include <memory>
 
@@ -133,16 +134,19 @@ protected:
 };
 
 // The North American datums, tied to each other by the VERTCON grids
-// ("path" and "extension"). Interpolate gives NAVD88 minus NGVD29 at the
-// point, in metres; 0.0 while a parameter is unset. The grid format is not
-// read yet: a set-up datum raises code 10, as for grids that can't be opened.
-class VELMORA_API CVertCon94 : public CVerticalDatum
+// ("path" a folder or .par list, "extension" of the files), titled NGS files
+// of millimetres. Interpolate gives NAVD88 minus NGVD29 at the point in
+// metres, bilinear in the cell and cut to the whole millimetre; 0.0 while a
+// parameter is unset.
+class VELMORA_API CVertCon94 : public CVerticalDatum, public CNGSGriddedData
 {
 public:
   double Interpolate(ML::CGeodeticPoint const & point) const override;
+  // A change of "path" or "extension" lets the files go.
+  void OnChange(unsigned short const * name) override;
 
 protected:
-  using CVerticalDatum::CVerticalDatum;
+  explicit CVertCon94(Type type) : CVerticalDatum(type), CNGSGriddedData(kTitled) {}
   CVertCon94(CVertCon94 const &) = default;
   CVertCon94 & operator=(CVertCon94 const &) = default;
 };

@@ -137,7 +137,7 @@ TEST(VerticalFactories, StoredBodiesTakeTheirTypeFromTheClassAttribute)
   EXPECT_EQ(CHeightModelDataDB(concrete, nullptr).GetModelType(), 2);
 }
 
-TEST(VerticalFactories, GridsNotReadYetGiveZeroUntilSetUpThenRaiseAsAMissingFile)
+TEST(VerticalFactories, GridModelsGiveZeroUntilSetUpThenRaiseForAMissingGrid)
 {
   struct Row
   {
