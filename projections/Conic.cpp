@@ -72,7 +72,7 @@ double WrapOnce(double lambda)
 void ConePolar(double n, double rho0, double x, double y, double & rho, double & theta)
 {
   double dy = rho0 - y;
-  rho = std::hypot(x, dy);
+  rho = std::sqrt(x * x + dy * dy);
   if (n < 0.0) {
     rho = -rho;
     x = -x;
@@ -88,28 +88,43 @@ void ConePolar(double n, double rho0, double x, double y, double & rho, double &
 // t^n = exp(-n psi), with the isometric latitude psi from the sine alone;
 // the inverse takes t = (rho/aF)^(1/n) and iterates the latitude.
 
+void BConformalCone::SetFigure(double semiMajor, double eccentricitySquared)
+{
+  static_assert(sizeof(eatanhe) / sizeof(eatanhe[0]) == Kernel::kEAtanhETerms);
+  a = semiMajor;
+  e2 = eccentricitySquared;
+  e = std::sqrt(e2);
+  eatanheTerms = Kernel::MakeEAtanhE(e, eatanhe);
+}
+
 void BConformalCone::Forward(double & x, double & y, double & theta, double & scale) const
 {
   double const lambda = ConeLongitude(x * kRadiansPerDegree, cm);
-  double const phi = y * kRadiansPerDegree;
-  double const s = std::sin(phi), c = std::cos(phi);
-  double const rho = aF * std::exp(-n * Kernel::IsometricLatitudeFromSine(e, s));
+  double const s = std::sin(y * kRadiansPerDegree);
+  double const c = std::sqrt((1.0 - s) * (1.0 + s)); // cos phi, phi within a quarter turn
+  double const rho = aF * std::exp(-n * Kernel::IsometricLatitudeFromSine({e, eatanhe, eatanheTerms}, s));
   theta = n * (lambda - cm) - rotation;
   scale = rho * n * std::sqrt(1.0 - e2 * s * s) / (a * c);
-  x = rho * std::sin(theta) + fe;
-  y = rho0 - rho * std::cos(theta) + fn;
+  double sinTheta, cosTheta;
+  ::sincos(theta, &sinTheta, &cosTheta);
+  x = rho * sinTheta + fe;
+  y = rho0 - rho * cosTheta + fn;
 }
 
+// With u = tan(pi/4 - phi/2) from the iteration, sin phi and cos phi are
+// (1 - u^2)/(1 + u^2) and 2u/(1 + u^2), for the scale without more calls.
 void BConformalCone::Inverse(double & x, double & y, double & theta, double & scale) const
 {
   double rho;
   ConePolar(n, rho0, x - fe, y - fn, rho, theta);
   double const lambda = WrapOnce((theta + rotation) / n + cm);
   double const t = std::pow(rho / aF, 1.0 / n);
-  double const phi = Kernel::LatitudeFromT(e, t, kIterationTolerance, rounds);
-  scale = rho * n / (a * Kernel::ConicM(e2, phi));
+  double const u = Kernel::ConformalTangentFromT({e, eatanhe, eatanheTerms}, t, kIterationTolerance, rounds);
+  double const u2 = u * u;
+  double const s = (1.0 - u2) / (1.0 + u2), c = 2.0 * u / (1.0 + u2);
+  scale = rho * n * std::sqrt(1.0 - e2 * s * s) / (a * c);
   x = lambda / kRadiansPerDegree;
-  y = phi / kRadiansPerDegree;
+  y = (kHalfPi - 2.0 * std::atan(u)) / kRadiansPerDegree;
 }
 
 // CLambertConformalConic
@@ -137,9 +152,7 @@ void CLambertConformalConic::ReadParameters()
 void CLambertConformalConic::Prepare(double a, double e2, double equalTolerance)
 {
   BConformalCone & k = m_cone;
-  k.a = a;
-  k.e2 = e2;
-  k.e = std::sqrt(e2);
+  k.SetFigure(a, e2);
   k.rounds = kConformalRounds;
   double const m1 = Kernel::ConicM(e2, m_phi1), m2 = Kernel::ConicM(e2, m_phi2);
   double const t1 = Kernel::ConformalT(k.e, m_phi1), t2 = Kernel::ConformalT(k.e, m_phi2);
@@ -255,9 +268,7 @@ void CLambertTangent::OnChange(unsigned short const *)
   m_ready = figure != nullptr;
   if (!m_ready)
     return;
-  k.a = figure->GetSemiMajor();
-  k.e2 = figure->GetEccentricitySquared();
-  k.e = std::sqrt(k.e2);
+  k.SetFigure(figure->GetSemiMajor(), figure->GetEccentricitySquared());
   k.rounds = kTangentRounds;
   k.n = std::sin(m_lat0);
   double const t0n = std::pow(Kernel::ConformalT(k.e, m_lat0), k.n);

@@ -22,6 +22,12 @@ struct BConformalCone
   double fe = 0.0, fn = 0.0;
   double rotation = 0.0; // turn of the grid, radians (Belgium)
   int rounds = 0;        // limit of the inverse's latitude iteration
+  // Coefficients of the series of e atanh(e sin phi), and how many are used.
+  double eatanhe[32] = {};
+  int eatanheTerms = 0;
+
+  // Sets a, e2 and e, and the series of e.
+  void SetFigure(double semiMajor, double eccentricitySquared);
 
   // Longitude and latitude in degrees to metres; theta = n dlon - rotation
   // and the point scale rho n/(a m) are handed back.

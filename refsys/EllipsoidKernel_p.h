@@ -27,9 +27,57 @@ inline double ConformalT(double e, double phi)
   return std::tan(Constants::kQuarterPi - 0.5 * phi) / std::pow((1.0 - es) / (1.0 + es), 0.5 * e);
 }
 
+// e atanh(e x) = sum e^(2k+2) x^(2k+1)/(2k+1) (Karney, "Transverse Mercator
+// with an accuracy of a few nanometers", J. Geodesy 85 (2011), eq. 7), for
+// |x| <= 1, with the coefficients of one figure made once: the terms kept
+// are those above 2^-60 of the first, so the sum is exact to rounding; a
+// figure that would need more than kMaxTerms (e above 0.45) takes atanh.
+// The coefficients live with the caller, kEAtanhETerms of them.
+inline constexpr int kEAtanhETerms = 32;
+
+// Fills c and returns how many terms to sum; 0 means by atanh.
+inline int MakeEAtanhE(double e, double (&c)[kEAtanhETerms])
+{
+  double const e2 = e * e;
+  double power = e2;
+  for (int k = 0; k < kEAtanhETerms; ++k, power *= e2) {
+    c[k] = power / (2.0 * k + 1.0);
+    if (c[k] <= 0x1p-60 * c[0])
+      return k + 1;
+  }
+  return 0;
+}
+
+// A figure's e atanh(e x), by its coefficients.
+struct EAtanhE
+{
+  double e;
+  double const * c;
+  int terms;
+
+  double operator()(double x) const
+  {
+    if (terms == 0)
+      return e * std::atanh(e * x);
+    // Two chains in x^4, the even and the odd terms, to halve the latency.
+    double const x2 = x * x, x4 = x2 * x2;
+    int const last = terms - 1;
+    double even = c[last & ~1], odd = (last & 1) ? c[last] : 0.0;
+    for (int k = (last & ~1) - 2; k >= 0; k -= 2) {
+      even = even * x4 + c[k];
+      odd = odd * x4 + c[k + 1];
+    }
+    return (even + odd * x2) * x;
+  }
+};
+
 // Isometric latitude psi = -ln t = atanh(sin phi) - e atanh(e sin phi)
-// (Snyder 3-7; Karney, J. Geodesy 85 (2011), eq. 9), from the sine alone.
-inline double IsometricLatitudeFromSine(double e, double s) { return std::atanh(s) - e * std::atanh(e * s); }
+// (Snyder 3-7; Karney 2011, eq. 9), from the sine alone, with atanh(s) as
+// ln((1 + s)/(1 - s))/2.
+inline double IsometricLatitudeFromSine(EAtanhE const & eatanhe, double s)
+{
+  return 0.5 * std::log((1.0 + s) / (1.0 - s)) - eatanhe(s);
+}
 
 inline double IsometricLatitude(double e, double phi)
 {
@@ -42,22 +90,44 @@ inline double ConformalLatitude(double e, double phi)
   return Constants::kHalfPi - 2.0 * std::atan(ConformalT(e, phi));
 }
 
+// exp(x), for |x| up to 2^-6 by Taylor's polynomial to x^8 (the rest is
+// below 2^-72 relative), else by the library: the iteration below takes it
+// of e atanh(e sin phi), which is under 0.007 on the Earth.
+inline double ExpNearZero(double x)
+{
+  if (!(std::fabs(x) <= 0x1p-6))
+    return std::exp(x);
+  // Estrin's grouping: the same sum with shorter chains of dependence.
+  double const x2 = x * x, x4 = x2 * x2;
+  return (1.0 + x) + x2 * (1.0 / 2 + x * (1.0 / 6)) +
+         x4 * ((1.0 / 24 + x * (1.0 / 120)) + x2 * (1.0 / 720 + x * (1.0 / 5040)) + x4 * (1.0 / 40320));
+}
+
 // The latitude whose t is given, by the fixed-point iteration
 // phi = pi/2 - 2 atan(t ((1 - e sin phi)/(1 + e sin phi))^(e/2)) (Snyder 7-9),
 // from the sphere's value; it stops when a step is at most `tolerance` or
-// after `rounds` steps, keeping the last value either way.
-inline double LatitudeFromT(double e, double t, double tolerance, int rounds)
+// after `rounds` steps, keeping the last value either way. The iteration
+// runs on u = tan(pi/4 - phi/2) (positive), where sin phi = (1 - u^2)/(1 + u^2),
+// the power is exp(-e atanh(e sin phi)), and the step in phi is
+// 2 atan((u' - u)/(1 + u' u)), taken as twice its argument: the two differ by
+// less than 1e-22 radian at the tolerances used. Returns u.
+inline double ConformalTangentFromT(EAtanhE const & eatanhe, double t, double tolerance, int rounds)
 {
-  double phi = Constants::kHalfPi - 2.0 * std::atan(t);
+  double u = t;
   for (int i = 0; i < rounds; ++i) {
-    double const es = e * std::sin(phi);
-    double const next = Constants::kHalfPi - 2.0 * std::atan(t * std::pow((1.0 - es) / (1.0 + es), 0.5 * e));
-    double const step = std::fabs(next - phi);
-    phi = next;
-    if (step <= tolerance)
+    double const u2 = u * u;
+    double const next = t * ExpNearZero(-eatanhe((1.0 - u2) / (1.0 + u2)));
+    bool const done = 2.0 * std::fabs(next - u) <= tolerance * (1.0 + next * u);
+    u = next;
+    if (done)
       break;
   }
-  return phi;
+  return u;
+}
+
+inline double LatitudeFromT(EAtanhE const & eatanhe, double t, double tolerance, int rounds)
+{
+  return Constants::kHalfPi - 2.0 * std::atan(ConformalTangentFromT(eatanhe, t, tolerance, rounds));
 }
 
 // Authalic q = (1 - e2)(sin phi/(1 - e2 sin^2 phi) - ln((1 - e sin phi)/(1 + e sin phi))/(2e))
