@@ -2,6 +2,7 @@
 
 #include <velmora/foundation/Constants.h>
 #include <velmora/foundation/VelmoraException.h>
+#include <velmora/projections/ParameterNames_p.h>
 #include <velmora/refsys/EllipsoidKernel_p.h>
 
 #include <cmath>
@@ -14,18 +15,9 @@ using Constants::kPi;
 using Constants::kRadiansPerDegree;
 using Constants::kTwoPi;
 using EX::CVelmoraException;
+using namespace Parameter;
 
 namespace {
-
-constexpr char kCentralMeridian[] = "central_meridian";
-constexpr char kLatitudeOfOrigin[] = "latitude_of_origin";
-constexpr char kStandardParallel1[] = "standard_parallel1";
-constexpr char kStandardParallel2[] = "standard_parallel2";
-constexpr char kScaleFactor[] = "scale_factor";
-constexpr char kFalseEasting[] = "false_easting";
-constexpr char kFalseNorthing[] = "false_northing";
-constexpr char kAverageElevation[] = "average_elevation";
-constexpr char kAverageGeoidHeight[] = "average_geoid_height";
 
 // How many parameters each class reads.
 constexpr long kTwoParallelCount = 6;
@@ -44,9 +36,17 @@ constexpr double kEqualParallels = 1e-07;
 // Belgium 1972's turn of the grid, 29.2985 seconds of arc in radians.
 constexpr double kBelgiumRotation = 0.00014204;
 
-double Internal(CParameterCollection const & p, char const * name) { return p.GetItemInternal(CString(name)); }
+// The six parameters of a cone with two standard parallels, in radians and metres.
+struct TwoParallels
+{
+  double cm, lat0, phi1, phi2, fe, fn;
+};
 
-double Radians(CParameterCollection const & p, char const * name) { return Internal(p, name) * kRadiansPerDegree; }
+TwoParallels ReadTwoParallels(CParameterCollection const & p)
+{
+  return {Radians(p, kCentralMeridian),   Radians(p, kLatitudeOfOrigin), Radians(p, kStandardParallel1),
+          Radians(p, kStandardParallel2), Internal(p, kFalseEasting),    Internal(p, kFalseNorthing)};
+}
 
 // A longitude difference beyond half a turn is brought back by one turn:
 // up when the longitude isn't positive, else down.
@@ -138,13 +138,13 @@ CLambertConformalConic::CLambertConformalConic(CString const & typeName, CHorizo
 
 void CLambertConformalConic::ReadParameters()
 {
-  CParameterCollection const & p = std::as_const(*this).GetParameters();
-  m_lat0 = Radians(p, kLatitudeOfOrigin);
-  m_phi1 = Radians(p, kStandardParallel1);
-  m_phi2 = Radians(p, kStandardParallel2);
-  m_cone.cm = Radians(p, kCentralMeridian);
-  m_cone.fe = Internal(p, kFalseEasting);
-  m_cone.fn = Internal(p, kFalseNorthing);
+  TwoParallels const v = ReadTwoParallels(std::as_const(*this).GetParameters());
+  m_lat0 = v.lat0;
+  m_phi1 = v.phi1;
+  m_phi2 = v.phi2;
+  m_cone.cm = v.cm;
+  m_cone.fe = v.fe;
+  m_cone.fn = v.fn;
 }
 
 // n = ln(m1/m2) / ln(t1/t2), F = m1/(n t1^n), rho0 = a F t0^n (Guidance
@@ -304,13 +304,13 @@ void CAlbersEqualArea::OnChange(unsigned short const *)
 {
   if (!ParametersReady(kTwoParallelCount))
     return;
-  CParameterCollection const & p = std::as_const(*this).GetParameters();
-  m_cm = Radians(p, kCentralMeridian);
-  m_lat0 = Radians(p, kLatitudeOfOrigin);
-  m_phi1 = Radians(p, kStandardParallel1);
-  m_phi2 = Radians(p, kStandardParallel2);
-  m_fe = Internal(p, kFalseEasting);
-  m_fn = Internal(p, kFalseNorthing);
+  TwoParallels const v = ReadTwoParallels(std::as_const(*this).GetParameters());
+  m_cm = v.cm;
+  m_lat0 = v.lat0;
+  m_phi1 = v.phi1;
+  m_phi2 = v.phi2;
+  m_fe = v.fe;
+  m_fn = v.fn;
   BEllipsoid const * figure = GetInnerEllipsoid();
   m_ready = figure != nullptr;
   if (!m_ready)
@@ -370,13 +370,13 @@ void CEquidistantConic::OnChange(unsigned short const *)
 {
   if (!ParametersReady(kTwoParallelCount))
     return;
-  CParameterCollection const & p = std::as_const(*this).GetParameters();
-  m_cm = Radians(p, kCentralMeridian);
-  m_lat0 = Radians(p, kLatitudeOfOrigin);
-  m_phi1 = Radians(p, kStandardParallel1);
-  m_phi2 = Radians(p, kStandardParallel2);
-  m_fe = Internal(p, kFalseEasting);
-  m_fn = Internal(p, kFalseNorthing);
+  TwoParallels const v = ReadTwoParallels(std::as_const(*this).GetParameters());
+  m_cm = v.cm;
+  m_lat0 = v.lat0;
+  m_phi1 = v.phi1;
+  m_phi2 = v.phi2;
+  m_fe = v.fe;
+  m_fn = v.fn;
   calc_meridional_values();
   m_ready = m_ellipsoid != nullptr;
   if (!m_ready)

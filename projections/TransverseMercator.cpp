@@ -2,6 +2,7 @@
 
 #include <velmora/foundation/Constants.h>
 #include <velmora/foundation/VelmoraException.h>
+#include <velmora/projections/ParameterNames_p.h>
 #include <velmora/projections/UTMGrid_p.h>
 #include <velmora/refsys/EllipsoidKernel_p.h>
 
@@ -15,20 +16,9 @@ using Constants::kPi;
 using Constants::kRadiansPerDegree;
 using Constants::kTwoPi;
 using EX::CVelmoraException;
+using namespace Parameter;
 
 namespace {
-
-// Parameter names.
-constexpr char kCentralMeridian[] = "central_meridian";
-constexpr char kLatitudeOfOrigin[] = "latitude_of_origin";
-constexpr char kScaleFactor[] = "scale_factor";
-constexpr char kFalseEasting[] = "false_easting";
-constexpr char kFalseNorthing[] = "false_northing";
-constexpr char kAverageElevation[] = "average_elevation";
-constexpr char kAverageGeoidHeight[] = "average_geoid_height";
-constexpr char kZone[] = "zone";
-constexpr char kIsNorth[] = "is_north";
-constexpr char kAutoset[] = "autoset";
 
 // How many parameters each class reads.
 constexpr long kTransverseParameterCount = 5;
@@ -72,8 +62,6 @@ constexpr double kInv5040 = 1.0 / 5040.0;
 constexpr double kInv40320 = 1.0 / 40320.0;
 
 CString Name(char const * name) { return CString(name); }
-
-double Degrees(CParameterCollection const & p, char const * name) { return p.GetItemInternal(Name(name)); }
 
 // Helmert's arc from the members A to E.
 inline double MeridianArc(double A, double B, double C, double D, double E, double lat, double s, double c)
@@ -150,11 +138,11 @@ bool CTransverseMercator::ReadParameters()
   if (!p.AllItemsSet())
     return false;
   if (p.Count() >= kTransverseParameterCount) {
-    m_cm = Degrees(p, kCentralMeridian) * kRadiansPerDegree;
-    m_lat0 = Degrees(p, kLatitudeOfOrigin) * kRadiansPerDegree;
+    m_cm = Internal(p, kCentralMeridian) * kRadiansPerDegree;
+    m_lat0 = Internal(p, kLatitudeOfOrigin) * kRadiansPerDegree;
     m_k0 = p.GetDouble(Name(kScaleFactor));
-    m_fe = Degrees(p, kFalseEasting);
-    m_fn = Degrees(p, kFalseNorthing);
+    m_fe = Internal(p, kFalseEasting);
+    m_fn = Internal(p, kFalseNorthing);
     if (m_cm > kPi)
       m_cm -= kTwoPi;
   }
@@ -329,13 +317,13 @@ void CTransverseMercatorExtended::OnChange(unsigned short const *)
   if (!ParametersReady(kExtendedParameterCount))
     return;
   CParameterCollection const & p = std::as_const(*this).GetParameters();
-  m_cm = Degrees(p, kCentralMeridian) * kRadiansPerDegree;
-  m_lat0 = Degrees(p, kLatitudeOfOrigin) * kRadiansPerDegree;
+  m_cm = Internal(p, kCentralMeridian) * kRadiansPerDegree;
+  m_lat0 = Internal(p, kLatitudeOfOrigin) * kRadiansPerDegree;
   m_k0 = p.GetDouble(Name(kScaleFactor));
-  m_fe = Degrees(p, kFalseEasting);
-  m_fn = Degrees(p, kFalseNorthing);
-  double const E = Degrees(p, kAverageElevation);
-  double const G = Degrees(p, kAverageGeoidHeight);
+  m_fe = Internal(p, kFalseEasting);
+  m_fn = Internal(p, kFalseNorthing);
+  double const E = Internal(p, kAverageElevation);
+  double const G = Internal(p, kAverageGeoidHeight);
 
   m_ellipsoid = GetInnerEllipsoid();
   m_ready = m_ellipsoid != nullptr;
@@ -463,11 +451,11 @@ void CTransverseMercatorSnyder::OnChange(unsigned short const *)
   if (!ParametersReady(kTransverseParameterCount))
     return;
   CParameterCollection const & p = std::as_const(*this).GetParameters();
-  m_cm = Degrees(p, kCentralMeridian) * kRadiansPerDegree;
-  m_lat0 = Degrees(p, kLatitudeOfOrigin) * kRadiansPerDegree;
+  m_cm = Internal(p, kCentralMeridian) * kRadiansPerDegree;
+  m_lat0 = Internal(p, kLatitudeOfOrigin) * kRadiansPerDegree;
   m_k0 = p.GetDouble(Name(kScaleFactor));
-  m_fe = Degrees(p, kFalseEasting);
-  m_fn = Degrees(p, kFalseNorthing);
+  m_fe = Internal(p, kFalseEasting);
+  m_fn = Internal(p, kFalseNorthing);
   BEllipsoid const * ellipsoid = GetInnerEllipsoid();
   m_ready = ellipsoid != nullptr;
   if (!m_ready)
