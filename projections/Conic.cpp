@@ -36,13 +36,7 @@ constexpr double kEqualParallels = 1e-07;
 // Belgium 1972's turn of the grid, 29.2985 seconds of arc in radians.
 constexpr double kBelgiumRotation = 0.00014204;
 
-// The six parameters of a cone with two standard parallels, in radians and metres.
-struct TwoParallels
-{
-  double cm, lat0, phi1, phi2, fe, fn;
-};
-
-TwoParallels ReadTwoParallels(CParameterCollection const & p)
+BConeParameters ReadTwoParallels(CParameterCollection const & p)
 {
   return {Radians(p, kCentralMeridian),   Radians(p, kLatitudeOfOrigin), Radians(p, kStandardParallel1),
           Radians(p, kStandardParallel2), Internal(p, kFalseEasting),    Internal(p, kFalseNorthing)};
@@ -79,6 +73,24 @@ void ConePolar(double n, double rho0, double x, double y, double & rho, double &
     dy = -dy;
   }
   theta = std::atan2(x, dy);
+}
+
+// Easting and northing of the point at radius rho on the meridian lambda of
+// a cone (Snyder 14-1, 14-2, 14-4), after the centering step.
+void ConeToPlane(BConeParameters const & p, double n, double rho0, double rho, double lambda, double & x, double & y)
+{
+  double const theta = n * (ConeLongitude(lambda, p.cm) - p.cm);
+  x = rho * std::sin(theta) + p.fe;
+  y = rho0 - rho * std::cos(theta) + p.fn;
+}
+
+// The radius of a plane point on a cone, and its longitude in degrees.
+double ConeFromPlane(BConeParameters const & p, double n, double rho0, double x, double y, double & longitude)
+{
+  double rho, theta;
+  ConePolar(n, rho0, x - p.fe, y - p.fn, rho, theta);
+  longitude = WrapOnce(theta / n + p.cm) / kRadiansPerDegree;
+  return rho;
 }
 
 } // namespace
@@ -138,13 +150,10 @@ CLambertConformalConic::CLambertConformalConic(CString const & typeName, CHorizo
 
 void CLambertConformalConic::ReadParameters()
 {
-  TwoParallels const v = ReadTwoParallels(std::as_const(*this).GetParameters());
-  m_lat0 = v.lat0;
-  m_phi1 = v.phi1;
-  m_phi2 = v.phi2;
-  m_cone.cm = v.cm;
-  m_cone.fe = v.fe;
-  m_cone.fn = v.fn;
+  m_p = ReadTwoParallels(std::as_const(*this).GetParameters());
+  m_cone.cm = m_p.cm;
+  m_cone.fe = m_p.fe;
+  m_cone.fn = m_p.fn;
 }
 
 // n = ln(m1/m2) / ln(t1/t2), F = m1/(n t1^n), rho0 = a F t0^n (Guidance
@@ -154,14 +163,14 @@ void CLambertConformalConic::Prepare(double a, double e2, double equalTolerance)
   BConformalCone & k = m_cone;
   k.SetFigure(a, e2);
   k.rounds = kConformalRounds;
-  double const m1 = Kernel::ConicM(e2, m_phi1), m2 = Kernel::ConicM(e2, m_phi2);
-  double const t1 = Kernel::ConformalT(k.e, m_phi1), t2 = Kernel::ConformalT(k.e, m_phi2);
-  bool const tangent = equalTolerance > 0.0 ? std::fabs(m_phi1 - m_phi2) <= equalTolerance
-                                            : std::sin(m_phi1) == std::sin(m_phi2);
-  k.n = tangent ? std::sin(m_phi1) : std::log(m1 / m2) / std::log(t1 / t2);
+  double const m1 = Kernel::ConicM(e2, m_p.phi1), m2 = Kernel::ConicM(e2, m_p.phi2);
+  double const t1 = Kernel::ConformalT(k.e, m_p.phi1), t2 = Kernel::ConformalT(k.e, m_p.phi2);
+  bool const tangent = equalTolerance > 0.0 ? std::fabs(m_p.phi1 - m_p.phi2) <= equalTolerance
+                                            : std::sin(m_p.phi1) == std::sin(m_p.phi2);
+  k.n = tangent ? std::sin(m_p.phi1) : std::log(m1 / m2) / std::log(t1 / t2);
   k.F = m1 / (k.n * std::pow(t1, k.n));
   k.aF = a * k.F;
-  k.rho0 = k.aF * std::pow(Kernel::ConformalT(k.e, m_lat0), k.n);
+  k.rho0 = k.aF * std::pow(Kernel::ConformalT(k.e, m_p.lat0), k.n);
   m_ready = true;
 }
 
@@ -304,13 +313,7 @@ void CAlbersEqualArea::OnChange(unsigned short const *)
 {
   if (!ParametersReady(kTwoParallelCount))
     return;
-  TwoParallels const v = ReadTwoParallels(std::as_const(*this).GetParameters());
-  m_cm = v.cm;
-  m_lat0 = v.lat0;
-  m_phi1 = v.phi1;
-  m_phi2 = v.phi2;
-  m_fe = v.fe;
-  m_fn = v.fn;
+  m_p = ReadTwoParallels(std::as_const(*this).GetParameters());
   BEllipsoid const * figure = GetInnerEllipsoid();
   m_ready = figure != nullptr;
   if (!m_ready)
@@ -318,26 +321,22 @@ void CAlbersEqualArea::OnChange(unsigned short const *)
   m_a = figure->GetSemiMajor();
   m_e2 = figure->GetEccentricitySquared();
   m_e = std::sqrt(m_e2);
-  double const m1 = Kernel::ConicM(m_e2, m_phi1), m2 = Kernel::ConicM(m_e2, m_phi2);
-  double const q1 = Kernel::AuthalicQ(m_e, m_e2, std::sin(m_phi1));
-  double const q2 = Kernel::AuthalicQ(m_e, m_e2, std::sin(m_phi2));
+  double const m1 = Kernel::ConicM(m_e2, m_p.phi1), m2 = Kernel::ConicM(m_e2, m_p.phi2);
+  double const q1 = Kernel::AuthalicQ(m_e, m_e2, std::sin(m_p.phi1));
+  double const q2 = Kernel::AuthalicQ(m_e, m_e2, std::sin(m_p.phi2));
   m_qp = Kernel::AuthalicQ(m_e, m_e2, 1.0);
-  m_n = std::fabs(m_phi1 - m_phi2) <= kEqualParallels ? std::sin(m_phi1) : (m1 * m1 - m2 * m2) / (q2 - q1);
+  m_n = std::fabs(m_p.phi1 - m_p.phi2) <= kEqualParallels ? std::sin(m_p.phi1) : (m1 * m1 - m2 * m2) / (q2 - q1);
   m_C = m1 * m1 + m_n * q1;
-  m_rho0 = m_a * std::sqrt(m_C - m_n * Kernel::AuthalicQ(m_e, m_e2, std::sin(m_lat0))) / m_n;
+  m_rho0 = m_a * std::sqrt(m_C - m_n * Kernel::AuthalicQ(m_e, m_e2, std::sin(m_p.lat0))) / m_n;
 }
 
 bool CAlbersEqualArea::ToPlane(double & x, double & y) const
 {
   if (!GetParameters().AllItemsSet() || !m_ready)
     return false;
-  CenterLongitude(x, m_cm / kRadiansPerDegree);
-  double const lambda = ConeLongitude(x * kRadiansPerDegree, m_cm);
+  CenterLongitude(x, m_p.cm / kRadiansPerDegree);
   double const q = Kernel::AuthalicQ(m_e, m_e2, std::sin(y * kRadiansPerDegree));
-  double const rho = m_a * std::sqrt(m_C - m_n * q) / m_n;
-  double const theta = m_n * (lambda - m_cm);
-  x = rho * std::sin(theta) + m_fe;
-  y = m_rho0 - rho * std::cos(theta) + m_fn;
+  ConeToPlane(m_p, m_n, m_rho0, m_a * std::sqrt(m_C - m_n * q) / m_n, x * kRadiansPerDegree, x, y);
   return true;
 }
 
@@ -345,9 +344,7 @@ bool CAlbersEqualArea::FromPlane(double & x, double & y) const
 {
   if (!GetParameters().AllItemsSet() || !m_ready)
     return false;
-  double rho, theta;
-  ConePolar(m_n, m_rho0, x - m_fe, y - m_fn, rho, theta);
-  double const r = rho * m_n / m_a;
+  double const r = ConeFromPlane(m_p, m_n, m_rho0, x, y, x) * m_n / m_a;
   double const q = (m_C - r * r) / m_n;
   double phi;
   // At q of the pole the Newton step divides by cos phi = 0: the pole it is.
@@ -355,7 +352,6 @@ bool CAlbersEqualArea::FromPlane(double & x, double & y) const
     phi = std::copysign(kHalfPi, q);
   else
     phi = Kernel::LatitudeFromAuthalicQ(m_e, m_e2, q, std::asin(q / 2.0), kIterationTolerance, kAuthalicRounds);
-  x = WrapOnce(theta / m_n + m_cm) / kRadiansPerDegree;
   y = phi / kRadiansPerDegree;
   return true;
 }
@@ -370,36 +366,26 @@ void CEquidistantConic::OnChange(unsigned short const *)
 {
   if (!ParametersReady(kTwoParallelCount))
     return;
-  TwoParallels const v = ReadTwoParallels(std::as_const(*this).GetParameters());
-  m_cm = v.cm;
-  m_lat0 = v.lat0;
-  m_phi1 = v.phi1;
-  m_phi2 = v.phi2;
-  m_fe = v.fe;
-  m_fn = v.fn;
+  m_p = ReadTwoParallels(std::as_const(*this).GetParameters());
   calc_meridional_values();
   m_ready = m_ellipsoid != nullptr;
   if (!m_ready)
     return;
   m_a = m_ellipsoid->GetSemiMajor();
   m_e2 = m_ellipsoid->GetEccentricitySquared();
-  double const m1 = Kernel::ConicM(m_e2, m_phi1), m2 = Kernel::ConicM(m_e2, m_phi2);
-  double const M1 = calc_mx(1.0, m_phi1), M2 = calc_mx(1.0, m_phi2);
-  m_n = std::fabs(m_phi1 - m_phi2) > kEqualParallels ? (m1 - m2) / (M2 - M1) : std::sin(m_phi1);
+  double const m1 = Kernel::ConicM(m_e2, m_p.phi1), m2 = Kernel::ConicM(m_e2, m_p.phi2);
+  double const M1 = calc_mx(1.0, m_p.phi1), M2 = calc_mx(1.0, m_p.phi2);
+  m_n = std::fabs(m_p.phi1 - m_p.phi2) > kEqualParallels ? (m1 - m2) / (M2 - M1) : std::sin(m_p.phi1);
   m_G = m1 / m_n + M1;
-  m_rho0 = m_a * m_G - calc_mx(m_a, m_lat0);
+  m_rho0 = m_a * m_G - calc_mx(m_a, m_p.lat0);
 }
 
 bool CEquidistantConic::ToPlane(double & x, double & y) const
 {
   if (!GetParameters().AllItemsSet() || !m_ready)
     return false;
-  CenterLongitude(x, m_cm / kRadiansPerDegree);
-  double const lambda = ConeLongitude(x * kRadiansPerDegree, m_cm);
-  double const rho = m_a * m_G - calc_mx(m_a, y * kRadiansPerDegree);
-  double const theta = m_n * (lambda - m_cm);
-  x = rho * std::sin(theta) + m_fe;
-  y = m_rho0 - rho * std::cos(theta) + m_fn;
+  CenterLongitude(x, m_p.cm / kRadiansPerDegree);
+  ConeToPlane(m_p, m_n, m_rho0, m_a * m_G - calc_mx(m_a, y * kRadiansPerDegree), x * kRadiansPerDegree, x, y);
   return true;
 }
 
@@ -407,13 +393,9 @@ bool CEquidistantConic::FromPlane(double & x, double & y) const
 {
   if (!GetParameters().AllItemsSet() || !m_ready)
     return false;
-  double rho, theta;
-  ConePolar(m_n, m_rho0, x - m_fe, y - m_fn, rho, theta);
-  double const mu = (m_G - rho / m_a) / c0;
-  double const phi = mu + i1 * std::sin(2.0 * mu) + i2 * std::sin(4.0 * mu) + i3 * std::sin(6.0 * mu) +
-                     i4 * std::sin(8.0 * mu);
-  x = WrapOnce(theta / m_n + m_cm) / kRadiansPerDegree;
-  y = phi / kRadiansPerDegree;
+  double const mu = (m_G - ConeFromPlane(m_p, m_n, m_rho0, x, y, x) / m_a) / c0;
+  y = (mu + i1 * std::sin(2.0 * mu) + i2 * std::sin(4.0 * mu) + i3 * std::sin(6.0 * mu) +
+       i4 * std::sin(8.0 * mu)) / kRadiansPerDegree;
   return true;
 }
 

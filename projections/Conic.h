@@ -36,10 +36,16 @@ struct BConformalCone
   void Inverse(double & x, double & y, double & theta, double & scale) const;
 };
 
+// The parameters of a cone with two standard parallels, radians and metres.
+struct BConeParameters
+{
+  double cm = 0.0, lat0 = 0.0, phi1 = 0.0, phi2 = 0.0, fe = 0.0, fn = 0.0;
+};
+
 // Lambert's conformal conic with two standard parallels, the false origin
 // being latitude_of_origin and central_meridian. Exact projection; the
 // inverse stops its latitude iteration at a step of 1e-7 radian, which
-// leaves it within 4e-8 degree (measured 1.6e-8) of the exact inverse.
+// leaves it within 4e-8 degree (measured 2.7e-8) of the exact inverse.
 // The last conversion's theta and scale are kept for ConvergenceAtPoint and
 // ScaleFactorAtPoint, so one object serves one thread.
 class VELMORA_API CLambertConformalConic : public TProjection<CLambertConformalConic, CProjection::kLambertConformalConic>
@@ -67,7 +73,7 @@ protected:
   void ReadParameters();
 
   BConformalCone m_cone;
-  double m_lat0 = 0.0, m_phi1 = 0.0, m_phi2 = 0.0;
+  BConeParameters m_p;
   BEllipsoid const * m_ellipsoid = nullptr;
   bool m_ready = false;
   mutable double m_theta = 0.0; // of the last conversion
@@ -132,13 +138,14 @@ public:
 private:
   double m_n = 0.0, m_C = 0.0, m_rho0 = 0.0;
   double m_a = 0.0, m_e = 0.0, m_e2 = 0.0, m_qp = 0.0;
-  double m_cm = 0.0, m_lat0 = 0.0, m_phi1 = 0.0, m_phi2 = 0.0, m_fe = 0.0, m_fn = 0.0;
+  BConeParameters m_p;
   bool m_ready = false;
 };
 
 // The equidistant conic on the meridian arc of CMeridionalUtil (Snyder
 // 16-1 to 16-11), true to scale along both standard parallels. The arc
-// series stops at e^6, which keeps it within 0.1 mm of the exact arc.
+// series stops at e^6: within 1 mm of the exact projection forward and
+// 1.2e-8 degree back up to 84 degrees (measured 0.93 mm, 9.4e-9).
 class VELMORA_API CEquidistantConic final
   : public TProjection<CEquidistantConic, CProjection::kEquidistantConic, CMeridionalUtil>
 {
@@ -153,7 +160,7 @@ public:
 
 private:
   double m_n = 0.0, m_G = 0.0, m_rho0 = 0.0, m_a = 0.0, m_e2 = 0.0;
-  double m_cm = 0.0, m_lat0 = 0.0, m_phi1 = 0.0, m_phi2 = 0.0, m_fe = 0.0, m_fn = 0.0;
+  BConeParameters m_p;
   bool m_ready = false;
 };
 
