@@ -1,6 +1,6 @@
 // The tool on the data file the build made from the EPSG registry, against
-// cs2cs on the same points: transverse Mercator systems of many datums and
-// zones within 1 mm, and datum shifts within 1 mm of PROJ where both apply
+// cs2cs on the same points: transverse Mercator and conic systems of many
+// datums and zones within 1 mm, and datum shifts within 1 mm of PROJ where both apply
 // the same EPSG transformation (named in each case: PROJ gets its published
 // parameters as +towgs84, position-vector convention).
 #include <gtest/gtest.h>
@@ -74,6 +74,28 @@ Pair const kProjections[] = {
    "+proj=tmerc +lat_0=1.36666666666667 +lon_0=103.833333333333 +k=1 +x_0=28001.642 +y_0=38744.572 "
    "+ellps=WGS84",
    103.8, 1.3, nullptr, 0.1},
+  // The conics: Lambert 2SP north and south, 1SP, Albers north and south
+  // (the tool gives metres whatever the system's unit).
+  {"EPSG:4269", "EPSG:2227", "+proj=longlat +ellps=GRS80",
+   "+proj=lcc +lat_0=36.5 +lon_0=-120.5 +lat_1=38.4333333333333 +lat_2=37.0666666666667 +x_0=2000000.0001016 "
+   "+y_0=500000.0001016 +ellps=GRS80", -121.0, 37.7},
+  {"EPSG:4171", "EPSG:2154", "+proj=longlat +ellps=GRS80",
+   "+proj=lcc +lat_0=46.5 +lon_0=3 +lat_1=49 +lat_2=44 +x_0=700000 +y_0=6600000 +ellps=GRS80", 3.0, 46.5},
+  {"EPSG:4258", "EPSG:3034", "+proj=longlat +ellps=GRS80",
+   "+proj=lcc +lat_0=52 +lon_0=10 +lat_1=35 +lat_2=65 +x_0=4000000 +y_0=2800000 +ellps=GRS80", 10.0, 52.0},
+  {"EPSG:4313", "EPSG:31370", "+proj=longlat +ellps=intl",
+   "+proj=lcc +lat_0=90 +lon_0=4.36748666666667 +lat_1=51.1666672333333 +lat_2=49.8333339 +x_0=150000.013 "
+   "+y_0=5400088.438 +ellps=intl",
+   4.5, 50.6, nullptr, 0.3},
+  {"EPSG:4283", "EPSG:3112", "+proj=longlat +ellps=GRS80",
+   "+proj=lcc +lat_0=0 +lon_0=134 +lat_1=-18 +lat_2=-36 +x_0=0 +y_0=0 +ellps=GRS80", 134.0, -25.0},
+  {"EPSG:4242", "EPSG:24200", "+proj=longlat +ellps=clrk66",
+   "+proj=lcc +lat_1=18 +lat_0=18 +lon_0=-77 +k_0=1 +x_0=250000 +y_0=150000 +ellps=clrk66", -77.3, 18.1, nullptr,
+   0.2},
+  {"EPSG:4269", "EPSG:5070", "+proj=longlat +ellps=GRS80",
+   "+proj=aea +lat_0=23 +lon_0=-96 +lat_1=29.5 +lat_2=45.5 +x_0=0 +y_0=0 +ellps=GRS80", -96.0, 38.0},
+  {"EPSG:4283", "EPSG:3577", "+proj=longlat +ellps=GRS80",
+   "+proj=aea +lat_0=0 +lon_0=132 +lat_1=-18 +lat_2=-36 +x_0=0 +y_0=0 +ellps=GRS80", 132.0, -25.0},
 };
 
 // Through one EPSG transformation, the same on both sides.
@@ -120,7 +142,7 @@ void Compare(Pair const & pair, bool geodeticOutput)
 
 } // namespace
 
-TEST(ShippedData, TransverseMercatorSystemsOfManyDatumsAgreeWithCs2csToAMillimetre)
+TEST(ShippedData, ProjectedSystemsOfManyDatumsAgreeWithCs2csToAMillimetre)
 {
   if (ShippedData().isEmpty() || !QFile::exists(ShippedData()))
     GTEST_SKIP() << "no EPSG registry: the data file was not built";
