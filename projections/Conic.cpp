@@ -174,15 +174,20 @@ void CLambertConformalConic::Prepare(double a, double e2, double equalTolerance)
   m_ready = true;
 }
 
-void CLambertConformalConic::OnChange(unsigned short const *)
+void CLambertConformalConic::PrepareOnDatum(double equalTolerance, double rotation)
 {
-  if (!ParametersReady(kTwoParallelCount))
-    return;
   ReadParameters();
   m_ellipsoid = GetInnerEllipsoid();
   m_ready = false;
   if (m_ellipsoid)
-    Prepare(m_ellipsoid->GetSemiMajor(), m_ellipsoid->GetEccentricitySquared(), 0.0);
+    Prepare(m_ellipsoid->GetSemiMajor(), m_ellipsoid->GetEccentricitySquared(), equalTolerance);
+  m_cone.rotation = rotation;
+}
+
+void CLambertConformalConic::OnChange(unsigned short const *)
+{
+  if (ParametersReady(kTwoParallelCount))
+    PrepareOnDatum(0.0, 0.0);
 }
 
 bool CLambertConformalConic::ToPlane(double & x, double & y) const
@@ -247,15 +252,8 @@ void CLambertConformalConicExtended::OnChange(unsigned short const *)
 
 void CBelgium72::OnChange(unsigned short const *)
 {
-  if (!ParametersReady(kTwoParallelCount))
-    return;
-  ReadParameters();
-  m_ellipsoid = GetInnerEllipsoid();
-  m_ready = false;
-  if (!m_ellipsoid)
-    return;
-  Prepare(m_ellipsoid->GetSemiMajor(), m_ellipsoid->GetEccentricitySquared(), kEqualParallels);
-  m_cone.rotation = kBelgiumRotation;
+  if (ParametersReady(kTwoParallelCount))
+    PrepareOnDatum(kEqualParallels, kBelgiumRotation);
 }
 
 // CLambertTangent

@@ -69,6 +69,9 @@ protected:
   // The cone on a figure (a, e2) from the parameters read; parallels whose
   // difference is at most `equalTolerance` make a tangent cone, n = sin phi1.
   void Prepare(double a, double e2, double equalTolerance);
+  // The same on the datum's figure after reading the parameters, with the
+  // grid turned by `rotation` radians.
+  void PrepareOnDatum(double equalTolerance, double rotation);
   // Reads the six parameters of the two-parallel cone.
   void ReadParameters();
 
