@@ -33,7 +33,8 @@ constexpr int kTangentRounds = 100;
 constexpr int kAuthalicRounds = 100;
 // Parallels this close (radians) make a cone of one standard parallel.
 constexpr double kEqualParallels = 1e-07;
-// Belgium 1972's turn of the grid, 29.2985 seconds of arc in radians.
+// Belgium 1972's turn of the grid: 29.2985 seconds of arc, which is
+// 0.000142043 radian, kept at the five figures this type has always used.
 constexpr double kBelgiumRotation = 0.00014204;
 
 BConeParameters ReadTwoParallels(CParameterCollection const & p)
@@ -157,7 +158,7 @@ void CLambertConformalConic::ReadParameters()
 }
 
 // n = ln(m1/m2) / ln(t1/t2), F = m1/(n t1^n), rho0 = a F t0^n (Guidance
-// Note 7-2, 3.2.1.1).
+// Note 7-2, method 9802).
 void CLambertConformalConic::Prepare(double a, double e2, double equalTolerance)
 {
   BConformalCone & k = m_cone;
@@ -258,7 +259,7 @@ void CBelgium72::OnChange(unsigned short const *)
 
 // CLambertTangent
 //
-// n = sin phi0, F = m0/(n t0^n), r = a F k0 t^n (Guidance Note 7-2, 3.2.1.1).
+// n = sin phi0, F = m0/(n t0^n), r = a F k0 t^n (Guidance Note 7-2, method 9801).
 
 void CLambertTangent::OnChange(unsigned short const *)
 {

@@ -9,7 +9,7 @@
 namespace Velmora::CS::PJ {
 
 // The Lambert conformal cone of one figure, in radians and metres: what the
-// conformal classes share. rho = aF t^n (EPSG Guidance Note 7-2, 3.2.1.1;
+// conformal classes share. rho = aF t^n (EPSG Guidance Note 7-2, method 9802;
 // Snyder, Map Projections: A Working Manual, 15-1 to 15-11).
 struct BConformalCone
 {
@@ -95,8 +95,9 @@ public:
   void OnChange(unsigned short const * name) override;
 };
 
-// The conformal conic of Belgium 1972: the grid turned by 29.2985 seconds
-// (EPSG Guidance Note 7-2, 3.2.1.2).
+// The conformal conic of Belgium 1972: the grid turned by 29.2985 seconds,
+// taken as 0.00014204 radian, which is 2 cm off the full value at 100 km
+// (EPSG Guidance Note 7-2, method 9803).
 class VELMORA_API CBelgium72 final : public TProjection<CBelgium72, CProjection::kBelgium72, CLambertConformalConic>
 {
 public:
@@ -105,7 +106,7 @@ public:
 };
 
 // Lambert's conformal conic with one standard parallel, the latitude of
-// origin, and a scale there (EPSG 1SP; Guidance Note 7-2, 3.2.1.1).
+// origin, and a scale there (EPSG Guidance Note 7-2, method 9801).
 class VELMORA_API CLambertTangent final : public TProjection<CLambertTangent, CProjection::kLambertTangent>
 {
 public:

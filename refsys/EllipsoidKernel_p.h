@@ -6,7 +6,7 @@
 //
 // Sources: Snyder, "Map Projections: A Working Manual", USGS Professional
 // Paper 1395 (1987), equation numbers as cited; EPSG Guidance Note 7-2,
-// sections 3.2.1 and 3.2.6, for the conic t and m.
+// methods 9801 to 9803 and 9822, for the conic t and m.
 #include <velmora/foundation/Constants.h>
 
 #include <cmath>
