@@ -66,7 +66,8 @@ TEST(Conic, PublishedExamples)
      {{"latitude_of_origin", 90}, {"central_meridian", Dms(4, 21, 24.983)}, {"standard_parallel1", Dms(49, 50, 0)},
       {"standard_parallel2", Dms(51, 10, 0)}, {"false_easting", 150000.01256}, {"false_northing", 5400088.4378}},
      // The type turns the grid by 0.00014204 radian where the note computes
-     // with 29.2985 seconds (0.000142043): 2.06 cm at this point's radius.
+     // with 29.2985 seconds (0.000142043): 1.6 cm at this point, 2.1 cm
+     // from the printed easting.
      Dms(5, 48, 26.533), Dms(50, 40, 46.461), 251763.20, 153034.13, 0.021, 3e-7},
     {"Albers, Snyder's example on Clarke 1866", CProjection::kAlbersEqualArea, 6378206.4, 294.9786982,
      {{"central_meridian", -96}, {"latitude_of_origin", 23}, {"standard_parallel1", 29.5},
