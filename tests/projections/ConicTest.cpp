@@ -27,12 +27,8 @@ std::unique_ptr<CProjection> Make(CProjection::Type type, Velmora::CS::CHorizont
                                   Parameters const & parameters)
 {
   std::unique_ptr<CProjection> p(CProjectionFactory::CreateProjection(type, datum));
-  for (auto const & [name, value] : parameters) {
-    if (CString(name) == CString("scale_factor"))
-      p->GetParameters().SetDouble(CString(name), value);
-    else
-      p->GetParameters().SetItemInternal(CString(name), value);
-  }
+  for (auto const & [name, value] : parameters)
+    VelmoraTest::SetParameter(*p, name, value);
   return p;
 }
 

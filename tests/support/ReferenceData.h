@@ -76,6 +76,17 @@ inline std::unique_ptr<Velmora::CS::CHorizontalDatum> MakeDatum(double a, double
   return datum;
 }
 
+// A projection's parameter by name: the scale factor a plain double, the
+// others linear or angular values in metres or degrees.
+inline void SetParameter(Velmora::CS::PJ::CProjection & p, std::string const & name, double value)
+{
+  Velmora::CString const parameter(name.c_str());
+  if (name == "scale_factor")
+    p.GetParameters().SetDouble(parameter, value);
+  else
+    p.GetParameters().SetItemInternal(parameter, value);
+}
+
 // What one row of lon, lat, x, y gave: forward in metres; inverse of the
 // reference x, y and the round trip of the input, in degrees (the larger of
 // the longitude and latitude errors); NaN where the inverse refused.
@@ -131,14 +142,8 @@ inline RowErrors MeasureFile(Velmora::CS::PJ::CProjection & p, std::string const
     auto fresh = MakeDatum(r[0], r[1]);
     p.SetHorizontalDatum(fresh.get());
     datum = std::move(fresh);
-    auto & params = p.GetParameters();
-    for (std::size_t i = 2; i < first; ++i) {
-      Velmora::CString const parameter(file.columns[i].c_str());
-      if (file.columns[i] == "scale_factor")
-        params.SetDouble(parameter, r[i]);
-      else
-        params.SetItemInternal(parameter, r[i]);
-    }
+    for (std::size_t i = 2; i < first; ++i)
+      SetParameter(p, file.columns[i], r[i]);
   };
   RowErrors worst{0, 0, 0};
   auto const sink = [&](std::vector<double> const &, RowErrors const & e) {
