@@ -127,14 +127,11 @@ TEST(Conic, KeptConvergenceAndScaleMatchTheNumericForms)
 {
   auto datum = MakeDatum(6378137, 298.257222101);
   for (double side : {1.0, -1.0}) {
-    CLambertConformalConic lcc(datum.get());
-    auto & params = lcc.GetParameters();
-    params.SetItemInternal(CString("latitude_of_origin"), 46.5 * side);
-    params.SetItemInternal(CString("central_meridian"), 3);
-    params.SetItemInternal(CString("standard_parallel1"), 49 * side);
-    params.SetItemInternal(CString("standard_parallel2"), 44 * side);
-    params.SetItemInternal(CString("false_easting"), 700000);
-    params.SetItemInternal(CString("false_northing"), 6600000);
+    auto const p = Make(CProjection::kLambertConformalConic, datum.get(),
+                        {{"latitude_of_origin", 46.5 * side}, {"central_meridian", 3},
+                         {"standard_parallel1", 49 * side}, {"standard_parallel2", 44 * side},
+                         {"false_easting", 700000}, {"false_northing", 6600000}});
+    CProjection & lcc = *p;
     for (double lon : {-4.0, 3.0, 9.5}) {
       double x = lon, y = 41 * side;
       ASSERT_TRUE(lcc.ToPlane(x, y));
