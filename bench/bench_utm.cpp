@@ -2,39 +2,26 @@
 // through ToPlane(double &, double &) and FromPlane, one virtual call per
 // point; PROJ's "+proj=utm +zone=32 +ellps=WGS84" through proj_trans_generic.
 // After the runs a table gives the time per point and Velmora / PROJ.
+#include "ProjectionBench.h"
+#include "RatioReport.h"
+
 #include <velmora/projections/TransverseMercator.h>
-#include <velmora/refsys/HorizontalDatum.h>
 
 #include <benchmark/benchmark.h>
 
-#include "RatioReport.h"
-#include <proj.h>
 
-#include <cmath>
-#include <cstdio>
-#include <cstdlib>
-#include <map>
 #include <random>
-#include <string>
-#include <vector>
 
 using Velmora::CString;
-using Velmora::CS::CEllipsoid;
-using Velmora::CS::CHorizontalDatum;
 using Velmora::CS::PJ::CProjection;
 using Velmora::CS::PJ::CUniversalTransverseMercator;
+using namespace VelmoraBench;
 
 namespace {
 
 constexpr int kPoints = 1000000;
 constexpr double kA = 6378137.0;
 constexpr double kInvF = 298.257223563;
-constexpr double kDeg = 0.017453292519943295;
-
-struct XY
-{
-  double x, y;
-};
 
 struct Input
 {
@@ -45,32 +32,16 @@ struct Input
 
 PJ * Utm()
 {
-  static PJ * const pj = proj_create(PJ_DEFAULT_CTX, "+proj=utm +zone=32 +ellps=WGS84");
-  if (!pj) {
-    std::fprintf(stderr, "proj_create failed\n");
-    std::exit(1);
-  }
+  static PJ * const pj = ProjProjection("+proj=utm +zone=32 +ellps=WGS84");
   return pj;
 }
 
-void ProjTrans(PJ_DIRECTION dir, std::vector<XY> & pts)
-{
-  std::size_t const stride = sizeof(XY);
-  std::size_t const n = pts.size();
-  proj_trans_generic(Utm(), dir, &pts[0].x, stride, n, &pts[0].y, stride, n, nullptr, 0, 0, nullptr, 0, 0);
-}
+void ProjTrans(PJ_DIRECTION dir, std::vector<XY> & pts) { VelmoraBench::ProjTrans(Utm(), dir, pts); }
 
 // Zone 32 north, fixed, on WGS 84; the datum outlives every benchmark.
 CProjection const & Projection()
 {
-  static CHorizontalDatum * const datum = [] {
-    CEllipsoid e;
-    e.GetSemiMajor().SetValue(kA);
-    e.SetInvFlattening(kInvF);
-    auto * d = new CHorizontalDatum();
-    d->SetEllipsoid(e);
-    return d;
-  }();
+  static auto * const datum = LastingDatum(kA, kInvF);
   static CUniversalTransverseMercator * const utm = [] {
     auto * p = new CUniversalTransverseMercator(datum);
     p->GetParameters().SetLong(CString("autoset"), 0);

@@ -2,7 +2,9 @@
 
 #include <velmora/foundation/Constants.h>
 #include <velmora/foundation/VelmoraException.h>
+#include <velmora/projections/ParameterNames_p.h>
 #include <velmora/projections/UTMGrid_p.h>
+#include <velmora/refsys/EllipsoidKernel_p.h>
 
 #include <cmath>
 #include <utility>
@@ -14,20 +16,9 @@ using Constants::kPi;
 using Constants::kRadiansPerDegree;
 using Constants::kTwoPi;
 using EX::CVelmoraException;
+using namespace Parameter;
 
 namespace {
-
-// Parameter names.
-constexpr char kCentralMeridian[] = "central_meridian";
-constexpr char kLatitudeOfOrigin[] = "latitude_of_origin";
-constexpr char kScaleFactor[] = "scale_factor";
-constexpr char kFalseEasting[] = "false_easting";
-constexpr char kFalseNorthing[] = "false_northing";
-constexpr char kAverageElevation[] = "average_elevation";
-constexpr char kAverageGeoidHeight[] = "average_geoid_height";
-constexpr char kZone[] = "zone";
-constexpr char kIsNorth[] = "is_north";
-constexpr char kAutoset[] = "autoset";
 
 // How many parameters each class reads.
 constexpr long kTransverseParameterCount = 5;
@@ -72,33 +63,10 @@ constexpr double kInv40320 = 1.0 / 40320.0;
 
 CString Name(char const * name) { return CString(name); }
 
-double Degrees(CParameterCollection const & p, char const * name) { return p.GetItemInternal(Name(name)); }
-
-// Arc coefficients of Helmert's series in n = (a - b)/(a + b), to n^5.
-struct ArcSeries
-{
-  double A, B, C, D, E;
-};
-
-ArcSeries MakeArcSeries(double a, double b)
-{
-  double const n = (a - b) / (a + b);
-  double const n2 = n * n, n3 = n2 * n, n4 = n3 * n, n5 = n4 * n;
-  return {a * (1.0 - n + 5.0 * (n2 - n3) / 4.0 + 81.0 * (n4 - n5) / 64.0),
-          1.5 * a * (n - n2 + 7.0 * (n3 - n4) / 8.0 + 55.0 * n5 / 64.0),
-          15.0 / 16.0 * a * (n2 - n3 + 3.0 * (n4 - n5) / 4.0),
-          35.0 / 48.0 * a * (n3 - n4 + 11.0 * n5 / 16.0),
-          315.0 / 512.0 * a * (n4 - n5)};
-}
-
-// M(lat) = A lat - B sin 2lat + C sin 4lat - D sin 6lat + E sin 8lat, the
-// multiple angles from sin and cos of lat by the double-angle identities.
+// Helmert's arc from the members A to E.
 inline double MeridianArc(double A, double B, double C, double D, double E, double lat, double s, double c)
 {
-  double const sin2 = 2.0 * s * c, cos2 = (c - s) * (c + s);
-  double const sin4 = 2.0 * sin2 * cos2, cos4 = 1.0 - 2.0 * sin2 * sin2;
-  double const sin6 = sin4 * cos2 + cos4 * sin2, sin8 = 2.0 * sin4 * cos4;
-  return A * lat - B * sin2 + C * sin4 - D * sin6 + E * sin8;
+  return Kernel::HelmertArc{A, B, C, D, E}.Arc(lat, s, c);
 }
 
 // Longitude difference from the central meridian, within one turn.
@@ -170,11 +138,11 @@ bool CTransverseMercator::ReadParameters()
   if (!p.AllItemsSet())
     return false;
   if (p.Count() >= kTransverseParameterCount) {
-    m_cm = Degrees(p, kCentralMeridian) * kRadiansPerDegree;
-    m_lat0 = Degrees(p, kLatitudeOfOrigin) * kRadiansPerDegree;
+    m_cm = Internal(p, kCentralMeridian) * kRadiansPerDegree;
+    m_lat0 = Internal(p, kLatitudeOfOrigin) * kRadiansPerDegree;
     m_k0 = p.GetDouble(Name(kScaleFactor));
-    m_fe = Degrees(p, kFalseEasting);
-    m_fn = Degrees(p, kFalseNorthing);
+    m_fe = Internal(p, kFalseEasting);
+    m_fn = Internal(p, kFalseNorthing);
     if (m_cm > kPi)
       m_cm -= kTwoPi;
   }
@@ -194,7 +162,7 @@ void CTransverseMercator::ApplyParameters()
   m_e2 = m_ellipsoid->GetEccentricitySquared();
   double const ratio = m_b / m_a;
   m_ep2 = 1.0 / (ratio * ratio) - 1.0;
-  ArcSeries const arc = MakeArcSeries(m_a, m_b);
+  auto const arc = Kernel::HelmertArc::Make(m_a, m_b);
   m_A = arc.A;
   m_B = arc.B;
   m_C = arc.C;
@@ -349,13 +317,13 @@ void CTransverseMercatorExtended::OnChange(unsigned short const *)
   if (!ParametersReady(kExtendedParameterCount))
     return;
   CParameterCollection const & p = std::as_const(*this).GetParameters();
-  m_cm = Degrees(p, kCentralMeridian) * kRadiansPerDegree;
-  m_lat0 = Degrees(p, kLatitudeOfOrigin) * kRadiansPerDegree;
+  m_cm = Internal(p, kCentralMeridian) * kRadiansPerDegree;
+  m_lat0 = Internal(p, kLatitudeOfOrigin) * kRadiansPerDegree;
   m_k0 = p.GetDouble(Name(kScaleFactor));
-  m_fe = Degrees(p, kFalseEasting);
-  m_fn = Degrees(p, kFalseNorthing);
-  double const E = Degrees(p, kAverageElevation);
-  double const G = Degrees(p, kAverageGeoidHeight);
+  m_fe = Internal(p, kFalseEasting);
+  m_fn = Internal(p, kFalseNorthing);
+  double const E = Internal(p, kAverageElevation);
+  double const G = Internal(p, kAverageGeoidHeight);
 
   m_ellipsoid = GetInnerEllipsoid();
   m_ready = m_ellipsoid != nullptr;
@@ -381,7 +349,7 @@ void CTransverseMercatorExtended::OnChange(unsigned short const *)
   m_e = std::sqrt(m_e2);
   m_flattening = std::fabs((m_raisedA - m_raisedB) / m_raisedA);
   m_ep2 = 1.0 / (1.0 - m_e2) - 1.0;
-  ArcSeries const arc = MakeArcSeries(m_raisedA, m_raisedB);
+  auto const arc = Kernel::HelmertArc::Make(m_raisedA, m_raisedB);
   m_A = arc.A;
   m_B = arc.B;
   m_C = arc.C;
@@ -483,11 +451,11 @@ void CTransverseMercatorSnyder::OnChange(unsigned short const *)
   if (!ParametersReady(kTransverseParameterCount))
     return;
   CParameterCollection const & p = std::as_const(*this).GetParameters();
-  m_cm = Degrees(p, kCentralMeridian) * kRadiansPerDegree;
-  m_lat0 = Degrees(p, kLatitudeOfOrigin) * kRadiansPerDegree;
+  m_cm = Internal(p, kCentralMeridian) * kRadiansPerDegree;
+  m_lat0 = Internal(p, kLatitudeOfOrigin) * kRadiansPerDegree;
   m_k0 = p.GetDouble(Name(kScaleFactor));
-  m_fe = Degrees(p, kFalseEasting);
-  m_fn = Degrees(p, kFalseNorthing);
+  m_fe = Internal(p, kFalseEasting);
+  m_fn = Internal(p, kFalseNorthing);
   BEllipsoid const * ellipsoid = GetInnerEllipsoid();
   m_ready = ellipsoid != nullptr;
   if (!m_ready)
@@ -497,15 +465,13 @@ void CTransverseMercatorSnyder::OnChange(unsigned short const *)
   m_ep2 = m_e2 / (1.0 - m_e2);
   if (m_cm > kPi)
     m_cm -= kTwoPi;
-  double const e4 = m_e2 * m_e2, e6 = e4 * m_e2;
-  m_c0 = 1.0 - m_e2 / 4.0 - 3.0 * e4 / 64.0 - 5.0 * e6 / 256.0;
-  m_c1 = 3.0 * m_e2 / 8.0 + 3.0 * e4 / 32.0 + 45.0 * e6 / 1024.0;
-  m_c2 = 15.0 * e4 / 256.0 + 45.0 * e6 / 1024.0;
-  m_c3 = 35.0 * e6 / 3072.0;
-  m_M0 = m_a * (m_c0 * m_lat0 - m_c1 * std::sin(2.0 * m_lat0) + m_c2 * std::sin(4.0 * m_lat0) -
-                m_c3 * std::sin(6.0 * m_lat0));
-  double const root = std::sqrt(1.0 - m_e2);
-  m_e1 = (1.0 - root) / (1.0 + root);
+  auto const series = Kernel::MeridianArcSeries::Make(m_e2, std::sqrt(1.0 - m_e2));
+  m_c0 = series.c0;
+  m_c1 = series.c1;
+  m_c2 = series.c2;
+  m_c3 = series.c3;
+  m_M0 = m_a * series.Arc(m_lat0);
+  m_e1 = series.e1;
 }
 
 bool CTransverseMercatorSnyder::ToPlane(double & x, double & y) const
@@ -514,8 +480,7 @@ bool CTransverseMercatorSnyder::ToPlane(double & x, double & y) const
     return false;
   CenterLongitude(x, m_cm / kRadiansPerDegree);
   double const lat = y * kRadiansPerDegree;
-  double const M =
-    m_a * (m_c0 * lat - m_c1 * std::sin(2.0 * lat) + m_c2 * std::sin(4.0 * lat) - m_c3 * std::sin(6.0 * lat));
+  double const M = m_a * Kernel::MeridianArc(m_c0, m_c1, m_c2, m_c3, lat);
   if (std::fabs(lat) == kPi) {
     x = 0.0;
     y = m_k0 * (M - m_M0);

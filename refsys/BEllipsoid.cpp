@@ -1,6 +1,7 @@
 #include <velmora/refsys/BEllipsoid.h>
 
 #include <velmora/foundation/VelmoraException.h>
+#include <velmora/refsys/EllipsoidKernel_p.h>
 #include <velmora/refsys/GeodesyConstants_p.h>
 
 #include <algorithm>
@@ -196,12 +197,7 @@ double BEllipsoid::GetSecondEccentricitySquared() const
 
 double BEllipsoid::ComputeAuthalicQ(double lat) const
 {
-  double const s = std::sin(lat);
-  if (m_ratio == 1.0)
-    return 2.0 * s;
-  double const es = m_e * s;
-  return m_ratio * m_ratio
-         * (s / (1.0 - m_e2 * s * s) - std::log((1.0 - es) / (1.0 + es)) / (2.0 * m_e));
+  return Kernel::AuthalicQ(m_ratio == 1.0 ? 0.0 : m_e, m_e2, std::sin(lat));
 }
 
 double BEllipsoid::ComputeAuthalicQNorthPole() const
@@ -218,10 +214,7 @@ double BEllipsoid::ComputeAuthalicLatitude(double lat) const
 
 double BEllipsoid::ComputeConformalLatitude(double lat) const
 {
-  double const es = m_e * std::sin(lat);
-  return 2.0 * std::atan(std::tan(lat / 2.0 + kQuarterPi)
-                         * std::exp(m_e / 2.0 * std::log((1.0 - es) / (1.0 + es))))
-         - kHalfPi;
+  return Kernel::ConformalLatitude(m_e, lat);
 }
 
 double BEllipsoid::ComputeGeocentricLatitude(double lat) const
@@ -521,32 +514,14 @@ void BEllipsoid::GeodeticForward(ML::BPoint2D const & p1, double azimuth, double
 // ---------------------------------------------------------------------------
 // Rhumb lines (Snyder 1987, eqs. 3-7, 3-21, 3-26; Bennett 1996 for the plan)
 
-// psi = ln| tan(pi/4 + lat/2) ((1 - e sin lat)/(1 + e sin lat))^(e/2) |
 double BEllipsoid::IsometricLatitude(double lat) const
 {
-  double const es = m_e * std::sin(lat);
-  return std::log(std::fabs(std::tan(lat / 2.0 + kQuarterPi)
-                            * std::pow((1.0 - es) / (1.0 + es), m_e / 2.0)));
+  return Kernel::IsometricLatitude(m_e, lat);
 }
 
-double BEllipsoid::MeridianArcC0() const
-{
-  double const e2 = m_e2;
-  return 1.0 - e2 / 4.0 - 3.0 * e2 * e2 / 64.0 - 5.0 * e2 * e2 * e2 / 256.0;
-}
-
-// Meridian arc from the equator, series truncated at e^6.
 double BEllipsoid::MeridianArc(double lat) const
 {
-  double const e2 = m_e2;
-  double const e4 = e2 * e2;
-  double const e6 = e4 * e2;
-  double const c2 = 3.0 * e2 / 8.0 + 3.0 * e4 / 32.0 + 45.0 * e6 / 1024.0;
-  double const c4 = 15.0 * e4 / 256.0 + 45.0 * e6 / 1024.0;
-  double const c6 = 35.0 * e6 / 3072.0;
-  return m_a
-         * (MeridianArcC0() * lat - c2 * std::sin(2.0 * lat) + c4 * std::sin(4.0 * lat)
-            - c6 * std::sin(6.0 * lat));
+  return m_a * Kernel::MeridianArcSeries::Make(m_e2, m_ratio).Arc(lat);
 }
 
 bool BEllipsoid::RhumbInverse(ML::BPoint2D const & p1, ML::BPoint2D const & p2,
@@ -587,17 +562,9 @@ bool BEllipsoid::RhumbDirect(ML::BPoint2D const & p1, double azimuth, double dis
   if (!nearQuarter && !nearThreeQuarters) {
     // Latitude from the meridian arc by the rectifying latitude mu and its
     // inverse series in n = (a - b)/(a + b) (Snyder 1987, eq. 3-26).
-    double const c0 = MeridianArcC0();
+    auto const series = Kernel::MeridianArcSeries::Make(m_e2, m_ratio);
     double const M2 = distance * std::cos(azimuth) + MeridianArc(p1.y);
-    double const mu = M2 / (m_a * c0);
-    double const n = m_f / (1.0 + m_ratio);
-    double const n2 = n * n;
-    double const n3 = n2 * n;
-    double const n4 = n3 * n;
-    double const lat2 = mu + (3.0 * n / 2.0 - 27.0 * n3 / 32.0) * std::sin(2.0 * mu)
-                        + (21.0 * n2 / 16.0 - 55.0 * n4 / 32.0) * std::sin(4.0 * mu)
-                        + (151.0 * n3 / 96.0) * std::sin(6.0 * mu)
-                        + (1097.0 * n4 / 512.0) * std::sin(8.0 * mu);
+    double const lat2 = series.Footpoint(M2 / (m_a * series.c0));
     p2.y = lat2;
     p2.x = p1.x + std::tan(azimuth) * (IsometricLatitude(lat2) - IsometricLatitude(p1.y));
     return true;

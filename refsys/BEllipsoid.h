@@ -117,7 +117,6 @@ private:
   // Isometric latitude and meridian arc, shared by the rhumb-line pair.
   double IsometricLatitude(double lat) const;
   double MeridianArc(double lat) const;
-  double MeridianArcC0() const;
 
   double m_a;     // semi-major axis, metres
   double m_b;     // semi-minor axis, metres

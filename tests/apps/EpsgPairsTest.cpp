@@ -61,6 +61,8 @@ UnitCase const kUnitCases[] = {
    {"-r", "EPSG:4269", "+to", "+proj=tmerc", "+lat_0=38", "+lon_0=-75.4166666666667", "+k=0.999995",
     "+x_0=200000.0001016", "+y_0=0", "+ellps=GRS80", "+units=m"},
    -75.5, 39.0, 0.2, false, 1.0},
+  {"NAD83 to New York Long Island (ftUS, Lambert)", {"--from", "EPSG:4269", "--to", "EPSG:2263"},
+   {"-r", "EPSG:4269", "EPSG:2263"}, -73.5, 40.8, 0.2, false, kFootUS},
   {"NAD83 to Arizona East (international foot)", {"--from", "EPSG:4269", "--to", "EPSG:2222"},
    {"-r", "EPSG:4269", "EPSG:2222"}, -110.0, 33.0, 0.5, false, kFoot},
   {"Accra to Ghana National Grid (Gold Coast foot)", {"--from", "EPSG:4168", "--to", "EPSG:2136"},

@@ -1,21 +1,18 @@
 #pragma once
 // Shared by the transverse Mercator tests: figures, datums, projections set
 // up by value, and the reading of the reference vectors.
+#include "../support/ReferenceData.h"
+
 #include <velmora/projections/TransverseMercator.h>
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <fstream>
 #include <memory>
-#include <sstream>
-#include <string>
-#include <vector>
 
 namespace TmercTest {
 
 using Velmora::CString;
-using Velmora::CS::CEllipsoid;
 using Velmora::CS::CHorizontalDatum;
 using Velmora::CS::PJ::CProjection;
 
@@ -23,30 +20,19 @@ struct Figure
 {
   char const * name; // file suffix
   double a;
-  double b;    // 0: by inverse flattening
-  double invF; // 0: by semi-minor axis
+  double invF;
   char const * epsg;
 };
 
-inline Figure const kWgs84{"wgs84", 6378137.0, 0.0, 298.257223563, "7030"};
-inline Figure const kClarke1866{"clarke1866", 6378206.4, 6356583.8, 0.0, "7008"};
-inline Figure const kBessel1841{"bessel1841", 6377397.155, 0.0, 299.1528128, "7004"};
-inline Figure const kAiry1830{"airy1830", 6377563.396, 0.0, 299.3249646, "7001"};
+inline Figure const kWgs84{"wgs84", 6378137.0, 298.257223563, "7030"};
+inline Figure const kClarke1866{"clarke1866", 6378206.4, 294.9786982138982, "7008"}; // b = 6356583.8
+inline Figure const kBessel1841{"bessel1841", 6377397.155, 299.1528128, "7004"};
+inline Figure const kAiry1830{"airy1830", 6377563.396, 299.3249646, "7001"};
 inline Figure const kFigures[] = {kWgs84, kClarke1866, kBessel1841, kAiry1830};
 
 inline std::unique_ptr<CHorizontalDatum> MakeDatum(Figure const & f, bool withCode = true)
 {
-  CEllipsoid e;
-  e.GetSemiMajor().SetValue(f.a);
-  if (f.b > 0)
-    e.GetSemiMinor().SetValue(f.b);
-  else
-    e.SetInvFlattening(f.invF);
-  if (withCode)
-    e.GetIdentifiers().Add(CString("EPSG"), CString(f.epsg));
-  auto datum = std::make_unique<CHorizontalDatum>();
-  datum->SetEllipsoid(e);
-  return datum;
+  return VelmoraTest::MakeDatum(f.a, f.invF, withCode ? f.epsg : nullptr);
 }
 
 // The five common parameters, in degrees and metres.
@@ -68,27 +54,7 @@ inline void SetUtm(CProjection & p, long zone, bool north, bool autoset = false)
   params.SetLong(CString("zone"), zone);
 }
 
-// The numbers of each data line; comment lines are skipped.
-inline std::vector<std::vector<double>> ReadRows(std::string const & name, std::size_t columns)
-{
-  std::ifstream in(std::string(VELMORA_TEST_DATA) + "/" + name);
-  EXPECT_TRUE(in.good()) << name;
-  std::vector<std::vector<double>> rows;
-  std::string line;
-  while (std::getline(in, line)) {
-    line = line.substr(0, line.find('#'));
-    std::istringstream fields(line);
-    std::vector<double> row;
-    double v;
-    while (fields >> v)
-      row.push_back(v);
-    if (row.empty())
-      continue;
-    EXPECT_GE(row.size(), columns) << name << ": " << line;
-    rows.push_back(row);
-  }
-  return rows;
-}
+using VelmoraTest::ReadRows;
 
 // Longitude offset in degrees, within half a turn.
 inline double LonOffset(double lon, double cm) { return std::remainder(lon - cm, 360.0); }

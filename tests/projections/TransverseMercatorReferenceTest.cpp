@@ -19,7 +19,6 @@ using Velmora::CS::PJ::CUniversalTransverseMercator;
 
 namespace {
 
-
 // Worst error by distance from the central meridian: up to 4, 4 to 6, 6 to 10 degrees.
 struct Bands
 {
@@ -31,34 +30,22 @@ struct Bands
   }
 };
 
-// Angular error in degrees of longitude and latitude together.
-double AngleError(double lon, double lat, double refLon, double refLat)
-{
-  return std::max(std::fabs(LonOffset(lon, refLon)), std::fabs(lat - refLat));
-}
-
-// Each row forward and back: `prepare(row)` sets the projection for it and
-// gives its central meridian; from column `first` on, the row holds
-// longitude, latitude, x and y. An inverse that may refuse is only measured
-// where it answers.
+// Each row forward and back through the shared loop, the errors sorted into
+// bands by the distance of the row from its central meridian, which
+// `prepare(row)` sets and returns. An inverse that may refuse is only
+// measured where it answers.
 template <class Prepare>
 void Measure(Velmora::CS::PJ::CProjection & p, std::vector<std::vector<double>> const & rows, std::size_t first,
              Prepare prepare, Bands & forward, Bands & inverse, bool inverseMayRefuse = false)
 {
-  for (auto const & r : rows) {
-    double const dlon = LonOffset(r[first], prepare(r));
-    double x = r[first], y = r[first + 1];
-    ASSERT_TRUE(p.ToPlane(x, y));
-    forward.Add(dlon, std::hypot(x - r[first + 2], y - r[first + 3]));
-    x = r[first + 2];
-    y = r[first + 3];
-    bool const answered = p.FromPlane(x, y);
-    if (!inverseMayRefuse) {
-      ASSERT_TRUE(answered);
-    }
-    if (answered)
-      inverse.Add(dlon, AngleError(x, y, r[first], r[first + 1]));
-  }
+  double dlon = 0;
+  auto const setup = [&](std::vector<double> const & r) { dlon = LonOffset(r[first], prepare(r)); };
+  VelmoraTest::MeasureRows(p, rows, first, setup, [&](std::vector<double> const &, VelmoraTest::RowErrors const & e) {
+    forward.Add(dlon, e.forward);
+    EXPECT_TRUE(inverseMayRefuse || !std::isnan(e.inverse));
+    if (!std::isnan(e.inverse))
+      inverse.Add(dlon, e.inverse);
+  });
 }
 
 // Sets the plain transverse Mercator of a row's central meridian (column 0), when it changes.

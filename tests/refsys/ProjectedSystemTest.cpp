@@ -6,10 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/ReferenceData.h"
 #include "../support/TestSupport.h"
 
-#include <fstream>
-#include <sstream>
 #include <string>
 
 using namespace Velmora;
@@ -48,22 +47,15 @@ CProjectedCoordSys ParisSystem()
 
 TEST(ProjectedCoordSys, ParisMeridianMatchesProjToTheNanodegree)
 {
-  std::ifstream file(std::string(VELMORA_TEST_DATA) + "/paris_tmerc.txt");
-  ASSERT_TRUE(file) << "tests/data/paris_tmerc.txt (scripts/gen-coordsys-refs.sh)";
   CProjectedCoordSys const system = ParisSystem();
-  std::string line;
-  int points = 0;
-  while (std::getline(file, line)) {
-    if (line.empty() || line[0] == '#')
-      continue;
-    std::istringstream in(line);
-    double e, n, lon, lat;
-    in >> e >> n >> lon >> lat;
+  auto const rows = VelmoraTest::ReadRows("paris_tmerc.txt", 4); // scripts/gen-coordsys-refs.sh
+  for (auto const & r : rows) {
+    double const e = r[0], n = r[1];
     // Pair path.
     double x = e, y = n;
     ASSERT_TRUE(system.ToGeodeticBase(x, y));
-    EXPECT_NEAR(x, lon, 1e-9) << line;
-    EXPECT_NEAR(y, lat, 1e-9) << line;
+    EXPECT_NEAR(x, r[2], 1e-9) << e << " " << n;
+    EXPECT_NEAR(y, r[3], 1e-9) << e << " " << n;
     // Point path gives the same.
     CGeodeticPoint out(3);
     ASSERT_TRUE(system.ToGeodeticBase(CProjectedPoint(e, n, 12.0), out));
@@ -75,9 +67,8 @@ TEST(ProjectedCoordSys, ParisMeridianMatchesProjToTheNanodegree)
     ASSERT_TRUE(system.FromGeodeticBase(out, back));
     EXPECT_NEAR(back.GetEast().GetInternal(), e, 1e-6);
     EXPECT_NEAR(back.GetNorth().GetInternal(), n, 1e-6);
-    ++points;
   }
-  EXPECT_EQ(points, 15);
+  EXPECT_EQ(rows.size(), 15u);
 }
 
 TEST(ProjectedCoordSys, EnvelopeOnEachSide)

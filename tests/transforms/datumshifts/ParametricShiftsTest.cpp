@@ -8,13 +8,12 @@
 
 #include <gtest/gtest.h>
 
+#include "../../support/ReferenceData.h"
 #include "../../support/TestSupport.h"
 
 #include <cmath>
 #include <cstdio>
-#include <fstream>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -89,17 +88,9 @@ struct Pair
 
 std::vector<Pair> ReadPairs(char const * name)
 {
-  std::ifstream file(std::string(VELMORA_TEST_DATA) + "/" + name);
-  EXPECT_TRUE(file.good()) << name;
   std::vector<Pair> pairs;
-  for (std::string line; std::getline(file, line);) {
-    if (line.empty() || line[0] == '#')
-      continue;
-    std::istringstream row(line);
-    Pair p;
-    row >> p.from.x >> p.from.y >> p.from.z >> p.to.x >> p.to.y >> p.to.z;
-    pairs.push_back(p);
-  }
+  for (auto const & r : VelmoraTest::ReadRows(name, 6))
+    pairs.push_back({BPoint3D(r[0], r[1], r[2]), BPoint3D(r[3], r[4], r[5])});
   EXPECT_GT(pairs.size(), 10u) << name;
   return pairs;
 }

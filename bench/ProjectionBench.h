@@ -1,0 +1,51 @@
+#pragma once
+// What the projection benchmarks share: the point pairs that both libraries
+// convert in place, PROJ's array conversion, and a datum on a figure.
+#include <velmora/refsys/HorizontalDatum.h>
+
+#include <proj.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+
+namespace VelmoraBench {
+
+constexpr double kDeg = 0.017453292519943295;
+
+struct XY
+{
+  double x, y;
+};
+
+// A projection of PROJ from its definition; the program ends if PROJ refuses it.
+inline PJ * ProjProjection(char const * definition)
+{
+  PJ * const pj = proj_create(PJ_DEFAULT_CTX, definition);
+  if (!pj) {
+    std::fprintf(stderr, "proj_create failed: %s\n", definition);
+    std::exit(1);
+  }
+  return pj;
+}
+
+// PROJ's conversion of the points in place, radians on the geodetic side.
+inline void ProjTrans(PJ * pj, PJ_DIRECTION dir, std::vector<XY> & pts)
+{
+  std::size_t const stride = sizeof(XY);
+  std::size_t const n = pts.size();
+  proj_trans_generic(pj, dir, &pts[0].x, stride, n, &pts[0].y, stride, n, nullptr, 0, 0, nullptr, 0, 0);
+}
+
+// A datum that lives as long as the program, on the figure (a, 1/f).
+inline Velmora::CS::CHorizontalDatum * LastingDatum(double a, double invF)
+{
+  Velmora::CS::CEllipsoid e;
+  e.GetSemiMajor().SetValue(a);
+  e.SetInvFlattening(invF);
+  auto * d = new Velmora::CS::CHorizontalDatum();
+  d->SetEllipsoid(e);
+  return d;
+}
+
+} // namespace VelmoraBench
