@@ -30,6 +30,9 @@ struct ReferenceFile
   }
 };
 
+// A file or folder under tests/data.
+inline std::string TestData(std::string const & name) { return std::string(VELMORA_TEST_DATA) + "/" + name; }
+
 inline ReferenceFile ReadReference(std::string const & name, std::size_t minColumns = 1)
 {
   std::ifstream in(std::string(VELMORA_TEST_DATA) + "/" + name);

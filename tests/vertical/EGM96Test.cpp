@@ -6,7 +6,7 @@
 // bilinear.
 #include <velmora/vertical/HeightModels.h>
 
-#include "../support/ReferenceRows.h"
+#include "../support/ReferenceData.h"
 #include "../support/TestSupport.h"
 
 #include <QFile>
@@ -50,7 +50,7 @@ TEST(EGM96, AgreesWithProjAtNodesAndNearThePolesAndStaysNearItBetween)
     GTEST_SKIP() << "no EGM96 raster in this build (proj-data's egm96_15.gtx missing)";
   CEGM96 const model = Model(kRaster);
   std::vector<double> between;
-  for (std::vector<double> const & r : ReferenceRows("geoid_egm96.txt")) {
+  for (std::vector<double> const & r : ReadRows("geoid_egm96.txt", 4)) {
     double const n = model.Interpolate(ML::CGeodeticPoint(r[1], r[2], 0.0));
     if (r[0] == 1.0)
       between.push_back(std::fabs(n - r[3]));

@@ -6,7 +6,7 @@
 #include <velmora/vertical/HeightModels.h>
 #include <velmora/vertical/VerticalReference.h>
 
-#include "../support/ReferenceRows.h"
+#include "../support/ReferenceData.h"
 #include "../support/TestSupport.h"
 
 #include <cmath>

@@ -4,7 +4,7 @@
 #include <velmora/projections/TransverseMercator.h>
 #include <velmora/vertical/HeightModels.h>
 
-#include "../support/ReferenceRows.h"
+#include "../support/ReferenceData.h"
 #include "../support/TestSupport.h"
 
 using namespace Velmora;

@@ -5,7 +5,7 @@
 // tools/make-test-grids.py's.
 #include <velmora/transforms/datumshifts/GridShifts.h>
 
-#include "../../support/ReferenceRows.h"
+#include "../../support/ReferenceData.h"
 #include "../../support/TestSupport.h"
 
 #include <algorithm>
@@ -53,7 +53,7 @@ std::unique_ptr<CNadcon> Nadcon(std::string const & las, std::string const & los
 double ExpectAgreesWithProj(CDatumShift const & shift, std::string const & rows, double forward)
 {
   double worstBack = 0.0;
-  for (std::vector<double> const & r : ReferenceRows(rows)) {
+  for (std::vector<double> const & r : ReadRows(rows, 6)) {
     double lon = r[0], lat = r[1];
     shift.ShiftForward(lon, lat);
     EXPECT_NEAR(lon, r[2], forward) << rows << " at " << r[0] << " " << r[1];
