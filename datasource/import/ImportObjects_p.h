@@ -1,0 +1,82 @@
+#pragma once
+// One import's objects: found in the store where an authority code, the
+// datum table or a name finds them, made and stored where not. Objects this
+// import added are taken out again when it fails, so that nothing is left
+// half stored.
+#include <velmora/foundation/CString.h>
+
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+class OGRSpatialReference;
+
+namespace Velmora {
+class CSerializable;
+namespace ML {
+class CAngularUnit;
+class CLinearUnit;
+class CEnvelope;
+} // namespace ML
+namespace CS {
+class CCoordSys;
+class CEllipsoid;
+class CGeodeticCoordSys;
+class CHorizontalDatum;
+class CPrimeMeridian;
+class CProjectedCoordSys;
+namespace PJ {
+class CProjection;
+}
+} // namespace CS
+} // namespace Velmora
+
+namespace Velmora::DB {
+
+class CDataSource;
+class miParser;
+
+class ImportObjects
+{
+public:
+  ImportObjects(CDataSource & store, miParser const & parser) : m_store(store), m_parser(parser) {}
+  // Removes what was added unless Keep() was called.
+  ~ImportObjects();
+  void Keep() { m_added.clear(); }
+
+  CS::CGeodeticCoordSys * Geodetic(OGRSpatialReference const & srs);
+  CS::CProjectedCoordSys * Projected(OGRSpatialReference const & srs);
+  CS::PJ::CProjection * Projection(OGRSpatialReference const & srs, CS::CHorizontalDatum & datum,
+                                   ML::CLinearUnit const & linear);
+
+  // The key/value form past the lookups of stored systems by name.
+  CS::CCoordSys * FromStringMap(std::map<CString, CString> const & map);
+
+  // The "VM" code of the stored object of `type` whose name fits best, or empty.
+  static CString MatchName(CDataSource const & store, long type, CString const & foreign,
+                           CS::CEllipsoid const * ellipsoid, CS::CPrimeMeridian const * meridian);
+  // WKT1 of a geodetic or projected system; empty for other kinds.
+  static std::string ComposeWkt(CDataSource const & store, CS::CCoordSys const & coordSys, miParser const & parser);
+
+  // Stored units and point styles, made when missing.
+  ML::CAngularUnit * AngularUnit(CString const & name, double unitsPerDegree, char const * epsg);
+  ML::CLinearUnit * LinearUnit(CString const & name, double unitsPerMetre, char const * epsg);
+  CString GeodeticStyle(ML::CAngularUnit const & unit);
+  CString ProjectedStyle(ML::CLinearUnit const & unit);
+  CString StandardEnvelope();
+  // Puts the object, recording it when it is new.
+  void Put(long type, CSerializable const & object);
+
+private:
+  CS::CHorizontalDatum * Datum(OGRSpatialReference const & srs);
+  CS::CHorizontalDatum * NewDatum(OGRSpatialReference const & srs);
+  void ShiftToWgs84(OGRSpatialReference const & srs, CS::CHorizontalDatum const & datum);
+
+  CDataSource & m_store;
+  miParser const & m_parser;
+  std::vector<std::pair<long, CString>> m_added;
+};
+
+} // namespace Velmora::DB
