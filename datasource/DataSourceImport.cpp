@@ -154,7 +154,6 @@ CS::CCoordSys * CDataSource::ImportCoordSysFromStringMap(std::map<CString, CStri
         return found;
     ImportObjects objects(*this, Parser());
     CS::CCoordSys * built = objects.FromStringMap(map);
-    objects.Keep();
     return built;
   });
 }

@@ -157,25 +157,7 @@ bool IsEpsg(char const * authority) { return authority && !std::strcmp(authority
 
 } // namespace
 
-ImportObjects::~ImportObjects()
-{
-  // Latest first, so that nothing is removed while another added object still refers to it.
-  for (auto it = m_added.rbegin(); it != m_added.rend(); ++it) {
-    try {
-      m_store.RemoveSerializable(it->first, CString(kVM), it->second);
-    } catch (...) {
-    }
-  }
-}
-
-void ImportObjects::Put(long type, CSerializable const & object)
-{
-  CString const code = object.GetIssuerCode(CString(kVM));
-  bool const fresh = !m_store.FindObject(type, CString(kVM), code);
-  m_store.PutSerializable(type, object, true);
-  if (fresh)
-    m_added.emplace_back(type, code);
-}
+void ImportObjects::Put(long type, CSerializable const & object) { m_store.PutSerializable(type, object, true); }
 
 // Units, styles, envelope -------------------------------------------------------
 
@@ -367,8 +349,6 @@ CS::CHorizontalDatum * ImportObjects::Datum(OGRSpatialReference const & srs)
 CS::CHorizontalDatum * ImportObjects::NewDatum(OGRSpatialReference const & srs)
 {
   Figure const figure = FigureOf(srs);
-  if (!(figure.a > 0.0) || !std::isfinite(figure.a) || figure.invf < 0.0 || !std::isfinite(figure.invf))
-    Fail("miParser::BuildGeodeticSystem", CString("Invalid ellipsoid"));
   // The prime meridian.
   std::unique_ptr<CS::CPrimeMeridian> meridian;
   if (IsEpsg(srs.GetAuthorityName("GEOGCS|PRIMEM")))
@@ -486,8 +466,12 @@ CS::CGeodeticCoordSys * ImportObjects::Geodetic(OGRSpatialReference const & srs)
       return stored;
   char * unitName = nullptr;
   double const radiansPerUnit = srs.GetAngularUnits(const_cast<char const **>(&unitName));
-  if (!(radiansPerUnit > 0.0))
+  Figure const figure = FigureOf(srs);
+  if (!(radiansPerUnit > 0.0) || !std::isfinite(radiansPerUnit))
     Fail("miParser::BuildGeodeticSystem", CString("Invalid angular unit"));
+  if (!(figure.a > 0.0) || !std::isfinite(figure.a) || figure.invf < 0.0 || !std::isfinite(figure.invf) ||
+      !std::isfinite(figure.meridian))
+    Fail("miParser::BuildGeodeticSystem", CString("Invalid ellipsoid"));
   std::unique_ptr<ML::CAngularUnit> unit(AngularUnit(
     Text(unitName), Constants::kRadiansPerDegree / radiansPerUnit, srs.GetAuthorityCode("GEOGCS|UNIT")));
   std::unique_ptr<CS::CHorizontalDatum> datum(Datum(srs));
@@ -505,6 +489,12 @@ CS::CGeodeticCoordSys * ImportObjects::Geodetic(OGRSpatialReference const & srs)
 
 CS::CProjectedCoordSys * ImportObjects::Projected(OGRSpatialReference const & srs)
 {
+  // What can refuse is checked before anything is stored.
+  CString const method = Text(srs.GetAttrValue("PROJECTION"));
+  if (m_parser.ProjectionTypeOf(method) < 0)
+    Fail("miParser::BuildProjection", CString("Could not create suitable projection for ") + method);
+  if (!(srs.GetLinearUnits() > 0.0))
+    Fail("miParser::BuildProjectedSystem", CString("Invalid linear unit"));
   std::unique_ptr<CS::CGeodeticCoordSys> base;
   try {
     base.reset(Geodetic(srs));

@@ -1,8 +1,8 @@
 #pragma once
 // One import's objects: found in the store where an authority code, the
-// datum table or a name finds them, made and stored where not. Objects this
-// import added are taken out again when it fails, so that nothing is left
-// half stored.
+// datum table or a name finds them, made and stored where not. What can make
+// an import fail is checked before anything is stored, so that nothing is
+// left half stored.
 #include <velmora/foundation/CString.h>
 
 #include <map>
@@ -42,9 +42,6 @@ class ImportObjects
 {
 public:
   ImportObjects(CDataSource & store, miParser const & parser) : m_store(store), m_parser(parser) {}
-  // Removes what was added unless Keep() was called.
-  ~ImportObjects();
-  void Keep() { m_added.clear(); }
 
   CS::CGeodeticCoordSys * Geodetic(OGRSpatialReference const & srs);
   CS::CProjectedCoordSys * Projected(OGRSpatialReference const & srs);
@@ -66,7 +63,7 @@ public:
   CString GeodeticStyle(ML::CAngularUnit const & unit);
   CString ProjectedStyle(ML::CLinearUnit const & unit);
   CString StandardEnvelope();
-  // Puts the object, recording it when it is new.
+  // Puts the object, replacing one of the same "VM" code.
   void Put(long type, CSerializable const & object);
 
 private:
@@ -76,7 +73,6 @@ private:
 
   CDataSource & m_store;
   miParser const & m_parser;
-  std::vector<std::pair<long, CString>> m_added;
 };
 
 } // namespace Velmora::DB

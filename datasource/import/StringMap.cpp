@@ -56,6 +56,14 @@ CS::CCoordSys * ImportObjects::FromStringMap(std::map<CString, CString> const & 
   auto const number = [&](char const * key) { return get(key).toDouble(); };
   CString const proj = get("PROJ");
   bool const geographic = proj.isEmpty() || proj == CString("LL");
+  // A projection the form cannot give is refused before anything is stored.
+  int type = -1;
+  for (KeyProjection const & k : kKeyProjections)
+    if (proj == CString(k.key))
+      type = k.type;
+  if (type < 0 && !geographic)
+    throw CVelmoraException(CVelmoraException::kImportFailed, CString(kLocation),
+                            CString("Could not create suitable projection for ") + proj);
 
   // The datum: by name, else from the ellipsoid on Greenwich.
   QString datumName = get("DT_NAME");
@@ -130,14 +138,6 @@ CS::CCoordSys * ImportObjects::FromStringMap(std::map<CString, CString> const & 
   Put(kObjectGeodeticCoordSys, geodetic);
   if (geographic)
     return m_store.GetGeodeticCoordSys(CString("VM"), geodetic.GetIssuerCode(CString("VM")));
-
-  int type = -1;
-  for (KeyProjection const & k : kKeyProjections)
-    if (proj == CString(k.key))
-      type = k.type;
-  if (type < 0)
-    throw CVelmoraException(CVelmoraException::kImportFailed, CString(kLocation),
-                            CString("Could not create suitable projection for ") + proj);
 
   // The linear unit: by code, else by its factor in metres.
   std::unique_ptr<ML::CLinearUnit> unit;

@@ -54,6 +54,25 @@ void MendKeywords(std::string & text)
     text.replace(at, 8, "SPHEROID");
 }
 
+// Past the bracket that closes the first one opened at `at`, quoted text
+// skipped; the end when none closes.
+char const * DefinitionEnd(char const * at, char const * end)
+{
+  int depth = 0;
+  bool quoted = false;
+  for (char const * p = at; p < end; ++p) {
+    if (*p == '"')
+      quoted = !quoted;
+    else if (quoted)
+      continue;
+    else if (*p == '[' || *p == '(')
+      ++depth;
+    else if ((*p == ']' || *p == ')') && --depth == 0)
+      return p + 1;
+  }
+  return end;
+}
+
 } // namespace
 
 miParser::miParser(CDataSource * source) : m_source(source)
@@ -164,13 +183,15 @@ CS::CCoordSys * miParser::ParseWKT(CString const & file)
       ++at;
     if (at >= end)
       break;
+    // One definition: up to the bracket that closes its first one.
+    char const * next = DefinitionEnd(at, end);
+    std::string const one(at, next);
     OGRSpatialReference srs;
-    char const * next = at;
-    if (srs.importFromWkt(&next) == OGRERR_NONE && (srs.IsProjected() || srs.IsGeographic())) {
+    if (srs.importFromWkt(one.c_str()) == OGRERR_NONE && (srs.IsProjected() || srs.IsGeographic())) {
       std::unique_ptr<CS::CCoordSys> built(FromSpatialReference(srs));
       if (!first)
         first = std::move(built);
-      at = next > at ? next : end;
+      at = next;
       continue;
     }
     // Damaged text: go on at the next definition, if any.
@@ -232,7 +253,6 @@ CS::CGeodeticCoordSys * miParser::BuildGeodeticSystem(OGRSpatialReference const 
   try {
     ImportObjects objects(*m_source, *this);
     CS::CGeodeticCoordSys * built = objects.Geodetic(srs);
-    objects.Keep();
     return built;
   } catch (CVelmoraException const &) {
     throw;
@@ -246,7 +266,6 @@ CS::CProjectedCoordSys * miParser::BuildProjectedSystem(OGRSpatialReference cons
   CheckSource("miParser::BuildProjectedSystem");
   ImportObjects objects(*m_source, *this);
   CS::CProjectedCoordSys * built = objects.Projected(srs);
-  objects.Keep();
   return built;
 }
 
@@ -256,7 +275,6 @@ CS::PJ::CProjection * miParser::BuildProjection(OGRSpatialReference const & srs,
   CheckSource("miParser::BuildProjection");
   ImportObjects objects(*m_source, *this);
   CS::PJ::CProjection * built = objects.Projection(srs, datum, linear);
-  objects.Keep();
   return built;
 }
 

@@ -162,7 +162,8 @@ TEST_F(Import, DatumNamesReachTheirCodesByTableAndByTokens)
     char const * name;
     char const * code;
   } const cases[] = {
-    {"D_WGS_1984", "6326"},          {"Arc_1950", "6209"},           {"nad 83 (harn)", "6269"},
+    {"D_WGS_1984", "6326"},          {"Arc_1950", "6209"},           {"nad 83 (harn)", "6152"},
+    {"nad 83", "6269"},
     {"World Geodetic 84", "6326"},   {"NAD 1983 HPGN", "6152"},      {"north 27", "6267"},
     {"Terrestrial 77", "6122"},      {"NZGD 49", "6272"},            {"EUREF 89", "6133"},
     {"ED 87", "6231"},               {"Some datum", ""},
@@ -216,13 +217,23 @@ TEST_F(Import, MapInfoTablesConvertLikeTheStoredSystem)
   for (auto const & [epsg, lon, lat] : cases) {
     OGRSpatialReference srs;
     ASSERT_EQ(srs.importFromEPSG(epsg), OGRERR_NONE);
+    // MapInfo numbers a datum by its shift to WGS 84; without one it writes WGS 84 itself.
+    srs.AddGuessedTOWGS84();
     std::string const path = QString("%1/t%2.tab").arg(dir.path()).arg(epsg).toStdString();
     GDALAllRegister();
     GDALDriver * driver = GetGDALDriverManager()->GetDriverByName("MapInfo File");
     ASSERT_TRUE(driver);
     {
       std::unique_ptr<GDALDataset> table(driver->Create(path.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
-      ASSERT_TRUE(table && table->CreateLayer("t", &srs, wkbPoint, nullptr));
+      OGRLayer * layer = table ? table->CreateLayer("t", &srs, wkbPoint, nullptr) : nullptr;
+      ASSERT_TRUE(layer);
+      OGRFieldDefn field("id", OFTInteger);
+      ASSERT_EQ(layer->CreateField(&field), OGRERR_NONE);
+      // One point, as a copied table has: MapInfo writes its projection with the first object.
+      std::unique_ptr<OGRFeature> feature(OGRFeature::CreateFeature(layer->GetLayerDefn()));
+      OGRPoint point(0.0, 0.0);
+      feature->SetGeometry(&point);
+      ASSERT_EQ(layer->CreateFeature(feature.get()), OGRERR_NONE);
     }
     std::unique_ptr<CS::CCoordSys> imported(store->ImportCoordSysFromFile(CString(path.c_str())));
     std::unique_ptr<CS::CCoordSys> stored(store->GetCoordSys(CString("EPSG"), CString(std::to_string(epsg).c_str())));
