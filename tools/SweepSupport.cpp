@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <sstream>
 
 namespace SweepSupport {
 
@@ -104,6 +105,15 @@ std::vector<std::string> Codes(Proj & proj, PJ_TYPE type)
   std::sort(codes.begin(), codes.end(), [](std::string const & a, std::string const & b) {
     return a.size() != b.size() ? a.size() < b.size() : a < b;
   });
+  return codes;
+}
+
+std::set<std::string> CodeList(std::string const & text)
+{
+  std::set<std::string> codes;
+  std::stringstream list(text);
+  for (std::string c; std::getline(list, c, ',');)
+    codes.insert(c);
   return codes;
 }
 

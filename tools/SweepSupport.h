@@ -193,6 +193,8 @@ inline double EllipsoidRounding(PJ_CONTEXT * ctx, PJ * crs, PJ * operation)
 // One projected system: our pair path both ways against PROJ.
 Outcome CompareProjected(Proj & proj, CS::CCoordSys const * ours, std::string const & code, PJ * crs,
                          std::string const & method, Report & report, PJ * area = nullptr);
+// "4326,32632" as a set of codes.
+std::set<std::string> CodeList(std::string const & text);
 // The EPSG codes of a kind that PROJ knows, shortest first.
 std::vector<std::string> Codes(Proj & proj, PJ_TYPE type);
 

@@ -148,11 +148,9 @@ Options Parse(int argc, char ** argv)
       o.markdown = value();
     else if (a == "--list")
       o.list = true;
-    else if (a == "--only") {
-      std::stringstream codes(value());
-      for (std::string c; std::getline(codes, c, ',');)
-        o.only.insert(c);
-    } else {
+    else if (a == "--only")
+      o.only = CodeList(value());
+    else {
       std::fprintf(stderr, "usage: epsg_sweep --data FILE [--markdown FILE] [--only CODE,...] [--list]\n");
       std::exit(2);
     }

@@ -58,12 +58,7 @@ Options Parse(int argc, char ** argv)
     if (a == "--data" && i + 1 < argc) {
       o.data = argv[++i];
     } else if (a == "--only" && i + 1 < argc) {
-      std::string list = argv[++i];
-      for (std::size_t at = 0; at <= list.size();) {
-        std::size_t const comma = std::min(list.find(',', at), list.size());
-        o.only.insert(list.substr(at, comma - at));
-        at = comma + 1;
-      }
+      o.only = CodeList(argv[++i]);
     } else if (a == "--list") {
       o.list = true;
     } else {

@@ -25,16 +25,19 @@ namespace Velmora::DB {
 
 using PJ = CS::PJ::CProjection;
 
+using ImportTables::kUtmFalseEasting;
+using ImportTables::kUtmScale;
+using ImportTables::kUtmSouthFalseNorthing;
+using ImportTables::kUtmZoneOffset;
+using ImportTables::kUtmZones;
+using ImportTables::kUtmZoneWidth;
+
 namespace {
 
 constexpr char kEPSG[] = "EPSG";
 constexpr char kVM[] = "VM";
 constexpr char kWgs84Datum[] = "6326";
 constexpr double kArcSecondsPerDegree = 3600.0;
-// UTM zones as transverse Mercator parameters.
-constexpr double kUtmScale = 0.9996;
-constexpr double kUtmFalseEasting = 500000.0;
-constexpr double kUtmSouthFalseNorthing = 10000000.0;
 
 std::string Number(double value)
 {
@@ -158,7 +161,7 @@ std::string ProjectionWkt(PJ const & projection, miParser const & parser, double
     long const zone = p.GetLong(CString("zone"));
     bool const north = p.GetLong(CString("is_north")) != 0;
     return ",PROJECTION[\"Transverse_Mercator\"]" + Parameter("latitude_of_origin", 0.0) +
-           Parameter("central_meridian", (zone * 6.0 - 183.0) * unitsPerDegree) + Parameter("scale_factor", kUtmScale) +
+           Parameter("central_meridian", (zone * kUtmZoneWidth - kUtmZoneOffset) * unitsPerDegree) + Parameter("scale_factor", kUtmScale) +
            Parameter("false_easting", kUtmFalseEasting * unitsPerMetre) +
            Parameter("false_northing", (north ? 0.0 : kUtmSouthFalseNorthing) * unitsPerMetre);
   }

@@ -30,6 +30,13 @@ namespace Velmora::DB {
 using EX::CVelmoraException;
 using PJ = CS::PJ::CProjection;
 
+using ImportTables::kUtmFalseEasting;
+using ImportTables::kUtmScale;
+using ImportTables::kUtmSouthFalseNorthing;
+using ImportTables::kUtmZoneOffset;
+using ImportTables::kUtmZones;
+using ImportTables::kUtmZoneWidth;
+
 namespace {
 
 // Well-known objects of the store that imports fall back on.
@@ -55,11 +62,6 @@ constexpr double kMeridianTolerance = 1e-9;  // degrees
 constexpr double kArcSecondsPerDegree = 3600.0;
 // Name matching: at most this many tokens of a name take part.
 constexpr int kMaxTokens = 32;
-// UTM zones as transverse Mercator parameters.
-constexpr double kUtmScale = 0.9996;
-constexpr double kUtmFalseEasting = 500000.0;
-constexpr double kUtmSouthFalseNorthing = 10000000.0;
-constexpr int kUtmZones = 60;
 
 bool Near(double a, double b, double tolerance) { return std::fabs(a - b) <= tolerance; }
 
@@ -566,7 +568,7 @@ CS::PJ::CProjection * ImportObjects::Projection(OGRSpatialReference const & srs,
       value("scale_factor", 1.0) == kUtmScale && value("latitude_of_origin", 0.0) == 0.0 &&
       value("false_easting", 0.0) == kUtmFalseEasting) {
     double const fn = value("false_northing", 0.0);
-    double const z = (value("central_meridian", 0.0) * degreesPerUnit + 183.0) / 6.0;
+    double const z = (value("central_meridian", 0.0) * degreesPerUnit + kUtmZoneOffset) / kUtmZoneWidth;
     if ((fn == 0.0 || fn == kUtmSouthFalseNorthing) && z == std::floor(z) && z >= 1 && z <= kUtmZones) {
       zone = static_cast<long>(z);
       north = fn == 0.0;

@@ -6,6 +6,14 @@
 
 namespace Velmora::DB::ImportTables {
 
+// A UTM zone as transverse Mercator parameters.
+inline constexpr double kUtmScale = 0.9996;
+inline constexpr double kUtmFalseEasting = 500000.0;       // metres
+inline constexpr double kUtmSouthFalseNorthing = 10000000.0; // metres
+inline constexpr double kUtmZoneWidth = 6.0;               // degrees
+inline constexpr double kUtmZoneOffset = 183.0;            // degrees: zone 1's meridian is -177
+inline constexpr int kUtmZones = 60;
+
 // One row of the datum table: a fragment of a lowercased datum name, the EPSG
 // datum code it stands for, and where known the ellipsoid number and the seven
 // values of the row's shift to WGS 84 (dx, dy, dz metres; rx, ry, rz arc

@@ -9,6 +9,7 @@
 
 #include <velmora/datasource/CDataSource.h>
 #include <velmora/foundation/VelmoraException.h>
+#include <velmora/measures/Units.h>
 #include <velmora/refsys/CoordSys.h>
 
 #include <ogr_spatialref.h>
@@ -27,10 +28,19 @@ namespace Velmora::DB {
 using EX::CVelmoraException;
 using PJ = CS::PJ::CProjection;
 
+using ImportTables::kUtmFalseEasting;
+using ImportTables::kUtmScale;
+using ImportTables::kUtmSouthFalseNorthing;
+using ImportTables::kUtmZoneOffset;
+using ImportTables::kUtmZones;
+using ImportTables::kUtmZoneWidth;
+
 namespace {
 
 constexpr char kNoAccess[] = "No access to datasource";
 constexpr int kSlack = 5; // zero bytes past the text, as the parser may look ahead
+constexpr char kDegreeCode[] = "9102";
+constexpr char kMetreCode[] = "9001";
 
 bool EndsWithTabName(CString const & file)
 {
@@ -236,14 +246,54 @@ CS::CCoordSys * miParser::MatchStored(CS::CCoordSys * built)
   // The built system itself is stored under the "WKT" issuer: a stored
   // equivalent is any other body.
   CString const own = held->GetIdentifiers().Exists(CString("VM")) ? held->GetIssuerCode(CString("VM")) : CString();
-  for (CSerializableDataDB * body : m_source->Equivalent(*held)) {
-    CString const vm = body->GetIdentifiers().Exists(CString("VM")) ? body->GetIssuerCode(CString("VM")) : CString();
-    if (vm.isEmpty() || vm == own)
-      continue;
-    if (held->GetType() == CS::kProjectedCoordSys)
-      return m_source->GetProjectedCoordSys(CString("VM"), vm);
-    return m_source->GetGeodeticCoordSys(CString("VM"), vm);
-  }
+  auto const stored = [&](CS::CCoordSys const & system) -> CS::CCoordSys * {
+    for (CSerializableDataDB * body : m_source->Equivalent(system)) {
+      CString const vm = body->GetIdentifiers().Exists(CString("VM")) ? body->GetIssuerCode(CString("VM")) : CString();
+      if (vm.isEmpty() || vm == own)
+        continue;
+      if (system.GetType() == CS::kProjectedCoordSys)
+        return m_source->GetProjectedCoordSys(CString("VM"), vm);
+      return m_source->GetGeodeticCoordSys(CString("VM"), vm);
+    }
+    return nullptr;
+  };
+  if (CS::CCoordSys * found = stored(*held))
+    return found;
+  // A zone read as UTM may be stored as the transverse Mercator it is.
+  auto const * projected = dynamic_cast<CS::CProjectedCoordSys const *>(held.get());
+  if (!projected || projected->GetProjection().GetType() != PJ::kUniversalTransverseMercator)
+    return held.release();
+  CParameterCollection const & utm = projected->GetProjection().GetParameters();
+  long const zone = utm.GetLong(CString("zone"));
+  bool const north = utm.GetLong(CString("is_north")) != 0;
+  std::unique_ptr<ML::CAngularUnit> degree(m_source->GetAngularUnitNonThrow(CString("EPSG"), CString(kDegreeCode)));
+  std::unique_ptr<ML::CLinearUnit> metre(m_source->GetLinearUnitNonThrow(CString("EPSG"), CString(kMetreCode)));
+  if (!degree || !metre)
+    return held.release();
+  CS::CProjectedCoordSys alternative(*projected);
+  std::unique_ptr<PJ> tm(CS::PJ::CProjectionFactory::CreateProjection(
+    PJ::kTransverseMercator, const_cast<CS::CHorizontalDatum *>(&projected->GetHorizontalDatum())));
+  CParameterCollection & p = tm->GetParameters();
+  auto const angle = [&](char const * name, double value) {
+    ML::CAngularValue v;
+    v.SetUnits(*degree);
+    v.SetValue(value);
+    p.SetAngularValue(CString(name), v);
+  };
+  auto const length = [&](char const * name, double value) {
+    ML::CLinearValue v;
+    v.SetUnits(*metre);
+    v.SetValue(value);
+    p.SetLinearValue(CString(name), v);
+  };
+  angle("central_meridian", zone * kUtmZoneWidth - kUtmZoneOffset);
+  angle("latitude_of_origin", 0.0);
+  p.SetDouble(CString("scale_factor"), kUtmScale);
+  length("false_easting", kUtmFalseEasting);
+  length("false_northing", north ? 0.0 : kUtmSouthFalseNorthing);
+  alternative.SetProjection(*tm);
+  if (CS::CCoordSys * found = stored(alternative))
+    return found;
   return held.release();
 }
 
