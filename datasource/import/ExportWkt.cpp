@@ -25,17 +25,10 @@ namespace Velmora::DB {
 
 using PJ = CS::PJ::CProjection;
 
-using ImportTables::kUtmFalseEasting;
-using ImportTables::kUtmScale;
-using ImportTables::kUtmSouthFalseNorthing;
-using ImportTables::kUtmZoneOffset;
-using ImportTables::kUtmZones;
-using ImportTables::kUtmZoneWidth;
+using namespace ImportTables;
 
 namespace {
 
-constexpr char kEPSG[] = "EPSG";
-constexpr char kVM[] = "VM";
 constexpr char kWgs84Datum[] = "6326";
 constexpr double kArcSecondsPerDegree = 3600.0;
 

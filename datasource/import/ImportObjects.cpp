@@ -30,22 +30,13 @@ namespace Velmora::DB {
 using EX::CVelmoraException;
 using PJ = CS::PJ::CProjection;
 
-using ImportTables::kUtmFalseEasting;
-using ImportTables::kUtmScale;
-using ImportTables::kUtmSouthFalseNorthing;
-using ImportTables::kUtmZoneOffset;
-using ImportTables::kUtmZones;
-using ImportTables::kUtmZoneWidth;
+using namespace ImportTables;
 
 namespace {
 
 // Well-known objects of the store that imports fall back on.
-constexpr char kEPSG[] = "EPSG";
-constexpr char kVM[] = "VM";
 constexpr char kWKT[] = "WKT";
-constexpr char kDegreeCode[] = "9102";
 constexpr char kArcSecondCode[] = "9104";
-constexpr char kMetreCode[] = "9001";
 constexpr char kWgs84Datum[] = "6326";
 constexpr char kGreenwichCode[] = "8901";
 constexpr char kDegreeStyle[] = "GEODETIC_POINT_DEGREES";
@@ -158,6 +149,23 @@ bool FitsFigure(CS::CHorizontalDatum const & datum, Figure const & f)
 bool IsEpsg(char const * authority) { return authority && !std::strcmp(authority, kEPSG); }
 
 } // namespace
+
+void ImportObjects::SetAngle(CParameterCollection & p, char const * name, double degrees,
+                             ML::CAngularUnit const & unit)
+{
+  ML::CAngularValue v;
+  v.SetUnits(unit);
+  v.SetValue(degrees);
+  p.SetAngularValue(CString(name), v);
+}
+
+void ImportObjects::SetLength(CParameterCollection & p, char const * name, double value, ML::CLinearUnit const & unit)
+{
+  ML::CLinearValue v;
+  v.SetUnits(unit);
+  v.SetValue(value);
+  p.SetLinearValue(CString(name), v);
+}
 
 void ImportObjects::Put(long type, CSerializable const & object) { m_store.PutSerializable(type, object, true); }
 

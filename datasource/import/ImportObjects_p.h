@@ -14,6 +14,7 @@
 class OGRSpatialReference;
 
 namespace Velmora {
+class CParameterCollection;
 class CSerializable;
 namespace ML {
 class CAngularUnit;
@@ -63,6 +64,9 @@ public:
   CString GeodeticStyle(ML::CAngularUnit const & unit);
   CString ProjectedStyle(ML::CLinearUnit const & unit);
   CString StandardEnvelope();
+  // A projection parameter in degrees or in the unit's lengths.
+  static void SetAngle(CParameterCollection & p, char const * name, double degrees, ML::CAngularUnit const & unit);
+  static void SetLength(CParameterCollection & p, char const * name, double value, ML::CLinearUnit const & unit);
   // Puts the object, replacing one of the same "VM" code.
   void Put(long type, CSerializable const & object);
 

@@ -6,6 +6,12 @@
 
 namespace Velmora::DB::ImportTables {
 
+// Issuers and the well-known objects of the store that imports fall back on.
+inline constexpr char kEPSG[] = "EPSG";
+inline constexpr char kVM[] = "VM";
+inline constexpr char kDegreeCode[] = "9102";
+inline constexpr char kMetreCode[] = "9001";
+
 // A UTM zone as transverse Mercator parameters.
 inline constexpr double kUtmScale = 0.9996;
 inline constexpr double kUtmFalseEasting = 500000.0;       // metres

@@ -1,6 +1,7 @@
 // The key/value form: a datum by name or from its ellipsoid, units by code
 // or factor, and the projections whose parameters the keys give.
 #include <velmora/datasource/import/ImportObjects_p.h>
+#include <velmora/datasource/import/ImportTables_p.h>
 
 #include <velmora/datasource/CDataSource.h>
 #include <velmora/foundation/Constants.h>
@@ -20,13 +21,13 @@ namespace Velmora::DB {
 
 using EX::CVelmoraException;
 using PJ = CS::PJ::CProjection;
+using ImportTables::kDegreeCode;
+using ImportTables::kMetreCode;
 
 namespace {
 
 constexpr char kLocation[] = "CDataSource::ImportCoordSysFromStringMap";
 constexpr char kGreenwichCode[] = "8901";
-constexpr char kDegreeCode[] = "9102";
-constexpr char kMetreCode[] = "9001";
 
 struct KeyProjection
 {
@@ -163,18 +164,8 @@ CS::CCoordSys * ImportObjects::FromStringMap(std::map<CString, CString> const & 
     m_store.GetGeodeticCoordSys(CString("VM"), geodetic.GetIssuerCode(CString("VM"))));
   std::unique_ptr<PJ> projection(CS::PJ::CProjectionFactory::CreateProjection(type, datum.get()));
   CParameterCollection & p = projection->GetParameters();
-  auto const angle = [&](char const * parameter, double degrees) {
-    ML::CAngularValue v;
-    v.SetUnits(*degree);
-    v.SetValue(degrees);
-    p.SetAngularValue(CString(parameter), v);
-  };
-  auto const length = [&](char const * parameter, double value) {
-    ML::CLinearValue v;
-    v.SetUnits(*unit);
-    v.SetValue(value);
-    p.SetLinearValue(CString(parameter), v);
-  };
+  auto const angle = [&](char const * parameter, double degrees) { SetAngle(p, parameter, degrees, *degree); };
+  auto const length = [&](char const * parameter, double value) { SetLength(p, parameter, value, *unit); };
   CString systemName = name;
   if (type == PJ::kUniversalTransverseMercator) {
     long const zone = std::lround(number("PARM1"));

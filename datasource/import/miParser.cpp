@@ -28,19 +28,12 @@ namespace Velmora::DB {
 using EX::CVelmoraException;
 using PJ = CS::PJ::CProjection;
 
-using ImportTables::kUtmFalseEasting;
-using ImportTables::kUtmScale;
-using ImportTables::kUtmSouthFalseNorthing;
-using ImportTables::kUtmZoneOffset;
-using ImportTables::kUtmZones;
-using ImportTables::kUtmZoneWidth;
+using namespace ImportTables;
 
 namespace {
 
 constexpr char kNoAccess[] = "No access to datasource";
 constexpr int kSlack = 5; // zero bytes past the text, as the parser may look ahead
-constexpr char kDegreeCode[] = "9102";
-constexpr char kMetreCode[] = "9001";
 
 bool EndsWithTabName(CString const & file)
 {
@@ -274,18 +267,8 @@ CS::CCoordSys * miParser::MatchStored(CS::CCoordSys * built)
   std::unique_ptr<PJ> tm(CS::PJ::CProjectionFactory::CreateProjection(
     PJ::kTransverseMercator, const_cast<CS::CHorizontalDatum *>(&projected->GetHorizontalDatum())));
   CParameterCollection & p = tm->GetParameters();
-  auto const angle = [&](char const * name, double value) {
-    ML::CAngularValue v;
-    v.SetUnits(*degree);
-    v.SetValue(value);
-    p.SetAngularValue(CString(name), v);
-  };
-  auto const length = [&](char const * name, double value) {
-    ML::CLinearValue v;
-    v.SetUnits(*metre);
-    v.SetValue(value);
-    p.SetLinearValue(CString(name), v);
-  };
+  auto const angle = [&](char const * name, double value) { ImportObjects::SetAngle(p, name, value, *degree); };
+  auto const length = [&](char const * name, double value) { ImportObjects::SetLength(p, name, value, *metre); };
   angle("central_meridian", zone * kUtmZoneWidth - kUtmZoneOffset);
   angle("latitude_of_origin", 0.0);
   p.SetDouble(CString("scale_factor"), kUtmScale);
