@@ -57,6 +57,7 @@ struct Options
   std::string data;                 // empty: the default file
   std::string grids;                // folders of grid files, ':' between them
   std::string type;                 // search: a kind of object
+  bool wkt = false;                 // info: the system as WKT
   std::vector<std::string> positional;
 };
 
@@ -131,6 +132,10 @@ std::vector<std::string> GridFolders(std::string const & given);
 std::vector<std::string> ResolveGrids(Velmora::CT::DS::CDatumShift & shift, std::vector<std::string> const & folders,
                                       std::vector<std::string> * used);
 
+// A system by identifier, or imported from a .prj/.tab file name or a WKT string; the caller owns it.
+Velmora::CS::CCoordSys * ResolveCoordSys(Velmora::DB::CDataSource & store, std::string const & text);
+int RunInfoWkt(Options const & options);
+int RunImport(Options const & options);
 int RunConvert(Options const & options);
 int RunInfo(Options const & options);
 int RunSearch(Options const & options);

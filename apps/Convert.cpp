@@ -263,11 +263,9 @@ int RunConvert(Options const & options)
 {
   if (options.from.empty() || options.to.empty())
     throw CliError("convert needs --from AUTH:CODE and --to AUTH:CODE");
-  Code const from = ParseCode(options.from);
-  Code const to = ParseCode(options.to);
   std::unique_ptr<DB::CDataSource> store = OpenStore(DataFilePath(options.data));
-  std::unique_ptr<CS::CCoordSys> source(store->GetCoordSys(from.issuer, from.code));
-  std::unique_ptr<CS::CCoordSys> target(store->GetCoordSys(to.issuer, to.code));
+  std::unique_ptr<CS::CCoordSys> source(ResolveCoordSys(*store, options.from));
+  std::unique_ptr<CS::CCoordSys> target(ResolveCoordSys(*store, options.to));
   bool const vertical = GiveEllipsoidalHeights(*source, *target);
   CT::CCoordTransform transform(source.get(), target.get());
   // The route is chosen at the first point, whose place the areas of use should hold.

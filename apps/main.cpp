@@ -18,7 +18,8 @@ char const kUsage[] =
   "  velmora convert --from AUTH:CODE --to AUTH:CODE [--inverse] [--precision N] [--si]\n"
   "                  [--strict] [--route none|SHIFT[,SHIFT]] [--grids DIR[:DIR]] [--verbose]\n"
   "                  [--data FILE] [POINT...]\n"
-  "  velmora info AUTH:CODE [--data FILE]\n"
+  "  velmora info AUTH:CODE [--wkt] [--data FILE]\n"
+  "  velmora import FILE [--data FILE]\n"
   "  velmora search TEXT [--type KIND] [--data FILE]\n"
   "  velmora routes --from AUTH:CODE --to AUTH:CODE [--data FILE]\n"
   "\n"
@@ -31,6 +32,8 @@ char const kUsage[] =
   "on standard error.\n"
   "  --si            metres and degrees in and out, whatever the systems' units\n"
   "  --strict        refuse points outside a system's or a datum shift's area of use\n"
+  "  --from, --to    also a .prj, WKT or MapInfo .tab file, or a WKT string\n"
+  "  --wkt           info writes the system as WKT\n"
   "  --inverse       the points are in the --to system and go to the --from one\n"
   "  --precision N   decimals written (default 9 for degrees, 4 for metres)\n"
   "  --route none    no datum shift\n"
@@ -84,6 +87,8 @@ Options Parse(int argc, char ** argv)
       o.data = value();
     else if (!std::strcmp(a, "--grids"))
       o.grids = value();
+    else if (!std::strcmp(a, "--wkt"))
+      o.wkt = true;
     else if (!std::strcmp(a, "--type"))
       o.type = value();
     else if (!std::strcmp(a, "--precision")) {
@@ -119,7 +124,9 @@ int main(int argc, char ** argv)
     if (options.command == "convert")
       return RunConvert(options);
     if (options.command == "info")
-      return RunInfo(options);
+      return options.wkt ? RunInfoWkt(options) : RunInfo(options);
+    if (options.command == "import")
+      return RunImport(options);
     if (options.command == "search")
       return RunSearch(options);
     if (options.command == "routes")

@@ -59,6 +59,7 @@ namespace Velmora::DB {
 namespace SAX {
 class dbGroup;
 }
+class miParser;
 
 // Every family of stored object: its name in the store's members and its handle.
 #define VELMORA_STORE_FAMILIES(X)                                                                                \
@@ -265,6 +266,29 @@ public:
                            CT::DS::CDatumShiftPreferencesEx const & prefs,
                            std::list<std::list<CT::DS::CDatumShiftInfo>> & result) const;
 
+  // Coordinate-system text and files: WKT and .prj, MapInfo .tab/.map/.dat,
+  // the MIF "CoordSys" clause, the three-string and the key/value forms.
+  // What an import builds is stored; the systems returned are the caller's.
+  bool ImportFile(CString const & file);
+  bool ImportFile(unsigned short const * file) { return ImportFile(CString(file)); }
+  CS::CCoordSys * ImportCoordSysFromFile(CString const & file);
+  CS::CCoordSys * ImportCoordSysFromFile(unsigned short const * file) { return ImportCoordSysFromFile(CString(file)); }
+  CS::CCoordSys * ImportCoordSysFromString(CString const & text);
+  CS::CCoordSys * ImportCoordSysFromString(unsigned short const * text);
+  CS::CCoordSys * ImportCoordSysFromStrings(CString const & datum, CString const & projection, CString const & units);
+  CS::CCoordSys * ImportCoordSysFromStringMap(std::map<CString, CString> const & map);
+  bool ExportCoordSysToFile(CS::CCoordSys const & coordSys, CString const & file);
+  bool ExportCoordSysToFile(CS::CCoordSys const & coordSys, unsigned short const * file)
+  {
+    return ExportCoordSysToFile(coordSys, CString(file));
+  }
+  // New wide buffers, freed by the caller with delete[].
+  unsigned short * ExportCoordSysToString(CS::CCoordSys const & coordSys);
+  bool ExportCoordSysToStrings(CS::CCoordSys const & coordSys, unsigned short ** datum, unsigned short ** projection,
+                               unsigned short ** units) const;
+  // Null when MapInfo has no number for the projection or the datum.
+  unsigned short * ExportCoordSysToMIFString(CS::CCoordSys const & coordSys);
+
   // Listeners.
   void RegisterListener(CDataSourceListener * listener);
   void UnRegisterListener(CDataSourceListener * listener);
@@ -341,6 +365,9 @@ private:
   long m_modifications = 0;
   std::vector<CString> m_classTypes[5];
   std::map<long, std::unique_ptr<SAX::dbGroup>> m_groups;
+  // Made at the first import or export and kept.
+  miParser & Parser() const;
+  mutable std::unique_ptr<miParser> m_parser;
 };
 
 } // namespace Velmora::DB

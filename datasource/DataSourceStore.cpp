@@ -2,6 +2,7 @@
 // folders and listeners.
 #include <velmora/datasource/CDataSource.h>
 
+#include <velmora/datasource/import/miParser.h>
 #include <velmora/datasource/sax/GroupImpl_p.h>
 #include <velmora/datasource/sax/Groups.h>
 #include <velmora/foundation/Startup.h>

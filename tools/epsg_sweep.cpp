@@ -10,6 +10,8 @@
 // README's coverage tables. The exit status is 1 when any result is wrong.
 //
 //   epsg_sweep --data velmora.xml [--markdown FILE] [--only CODE,...] [--list]
+#include "SweepSupport.h"
+
 #include <velmora/velmora.h>
 
 #include <proj.h>
@@ -29,62 +31,9 @@
 #include <vector>
 
 using namespace Velmora;
+using namespace SweepSupport;
 
 namespace {
-
-// Tolerances of the comparison.
-constexpr double kPlaneTolerance = 1e-3;        // metres, projected coordinates
-constexpr double kInverseTolerance = 1e-9;      // degrees, back from the plane
-constexpr double kShiftTolerance = 1e-8;        // degrees, a datum shift forward
-constexpr double kDegreesPerRadian = 57.29577951308232;
-
-// The transverse Mercator methods run the library's eighth-order series,
-// which holds to 0.1 mm within this many degrees of the central meridian and
-// drifts from the exact projection beyond: points there are measured and
-// reported, not judged.
-constexpr double kSeriesDomain = 4.0;
-bool IsSeriesMethod(std::string const & method)
-{
-  return method == "9807" || method == "9808" || method == "1111";
-}
-
-// The Lambert conformal methods' inverse stops its iteration once a step
-// is below 1e-7 radian, as the library's conic is specified: it leaves up to
-// 2.7e-8 degree (measured against PROJ over the cone), judged here at this.
-constexpr double kLambertInverse = 4e-8;
-double InverseTolerance(std::string const & method)
-{
-  return method == "9801" || method == "9802" || method == "9803" ? kLambertInverse : kInverseTolerance;
-}
-
-// Methods whose PROJ formula is not the registry's: the library follows the
-// registry's Guidance Note (its worked example is checked among the
-// projection tests) and the sweep does not judge it against PROJ.
-bool ProjDiffers(std::string const & method)
-{
-  return method == "9803"; // PROJ 9.1 leaves out the 29.2985" turn of Belgium's Lambert
-}
-
-enum class Outcome { kRight, kRefused, kWrong, kAbsent, kNotJudged };
-
-struct Tally
-{
-  std::string name;
-  int right = 0, refused = 0, wrong = 0, absent = 0, notJudged = 0;
-  int Total() const { return right + refused + wrong + absent + notJudged; }
-  void Add(Outcome o)
-  {
-    switch (o) {
-    case Outcome::kRight: ++right; break;
-    case Outcome::kRefused: ++refused; break;
-    case Outcome::kWrong: ++wrong; break;
-    case Outcome::kAbsent: ++absent; break;
-    case Outcome::kNotJudged: ++notJudged; break;
-    }
-  }
-};
-
-using Tallies = std::map<std::string, Tally>; // by EPSG method code
 
 struct Options
 {
@@ -93,228 +42,14 @@ struct Options
   bool list = false; // every system that is not right, one line each
 };
 
-struct Proj
-{
-  PJ_CONTEXT * ctx = proj_context_create();
-  ~Proj() { proj_context_destroy(ctx); }
-};
 
-// A PROJ object released when it goes.
-struct PjPtr
-{
-  PJ * pj = nullptr;
-  explicit PjPtr(PJ * p = nullptr) : pj(p) {}
-  PjPtr(PjPtr const &) = delete;
-  PjPtr & operator=(PjPtr const &) = delete;
-  ~PjPtr()
-  {
-    if (pj)
-      proj_destroy(pj);
-  }
-  explicit operator bool() const { return pj != nullptr; }
-};
-
-// A geographic system as PROJ counts its numbers: longitudes from its prime
-// meridian, both angles in its axis unit.
-struct GeographicFrame
-{
-  double meridian = 0.0;       // degrees east of Greenwich
-  double degreesPerUnit = 1.0; // of the axes
-};
-
-bool FrameOf(PJ_CONTEXT * ctx, PJ * crs, GeographicFrame & frame)
-{
-  PjPtr pm(proj_get_prime_meridian(ctx, crs));
-  PjPtr cs(proj_crs_get_coordinate_system(ctx, crs));
-  double longitude = 0.0, toRadians = 0.0, axisToRadians = 0.0;
-  if (!pm || !cs || !proj_prime_meridian_get_parameters(ctx, pm.pj, &longitude, &toRadians, nullptr) ||
-      !proj_cs_get_axis_info(ctx, cs.pj, 0, nullptr, nullptr, nullptr, &axisToRadians, nullptr, nullptr, nullptr))
-    return false;
-  frame.meridian = longitude * toRadians * kDegreesPerRadian;
-  frame.degreesPerUnit = axisToRadians * kDegreesPerRadian;
-  return true;
-}
-
-double Wrap180(double lon)
-{
-  lon = std::fmod(lon, 360.0);
-  if (lon > 180.0)
-    lon -= 360.0;
-  else if (lon < -180.0)
-    lon += 360.0;
-  return lon;
-}
-
-// Three points of an area: its middle and two points a quarter in from
-// opposite corners. Longitudes from Greenwich, in -180..180.
-bool AreaPoints(PJ_CONTEXT * ctx, PJ * object, std::vector<std::pair<double, double>> & points)
-{
-  double w = 0, s = 0, e = 0, n = 0;
-  if (!proj_get_area_of_use(ctx, object, &w, &s, &e, &n, nullptr) || w == -1000.0)
-    return false;
-  if (e < w)
-    e += 360.0; // across the antimeridian
-  points.clear();
-  for (double f : {0.5, 0.25, 0.75})
-    points.emplace_back(Wrap180(w + f * (e - w)), s + f * (n - s));
-  return true;
-}
-
-std::string MethodOf(PJ_CONTEXT * ctx, PJ * operation, std::map<std::string, std::string> & names)
-{
-  char const * name = nullptr;
-  char const * code = nullptr;
-  if (!proj_coordoperation_get_method_info(ctx, operation, &name, nullptr, &code) || !code)
-    return "?";
-  names[code] = name ? name : "";
-  return code;
-}
-
-struct Report
-{
-  std::vector<std::string> lines;
-  bool list = false;
-  // Beyond the series' domain: points, and the largest deviations.
-  int beyond = 0;
-  double beyondPlane = 0.0, beyondBack = 0.0;
-  // Systems whose PROJ pipeline rounds the registry's ellipsoid to a built-in one.
-  std::set<std::string> rounded;
-  void Say(std::string const & text)
-  {
-    if (list)
-      lines.push_back(text);
-  }
-};
-
-std::string Format(char const * format, double a, double b, double c = 0.0, double d = 0.0)
-{
-  char text[200];
-  std::snprintf(text, sizeof text, format, a, b, c, d);
-  return text;
-}
-
-// The longitude of natural origin of a conversion, in degrees; NaN without one.
-double CentralMeridian(PJ_CONTEXT * ctx, PJ * conversion)
-{
-  int const count = proj_coordoperation_get_param_count(ctx, conversion);
-  for (int i = 0; i < count; ++i) {
-    char const * code = nullptr;
-    double value = 0.0, toRadians = 0.0;
-    if (proj_coordoperation_get_param(ctx, conversion, i, nullptr, nullptr, &code, &value, nullptr, &toRadians,
-                                      nullptr, nullptr, nullptr, nullptr) &&
-        code && !std::strcmp(code, "8802"))
-      return value * toRadians * kDegreesPerRadian;
-  }
-  return std::nan("");
-}
-
-// How far PROJ's semi-major axis lies from the registry's, relative to it:
-// PROJ writes an ellipsoid that is near one of its built-in ones by that
-// one's name ("+ellps=bess_nam"), whose axis is rounded to the millimetre.
-double EllipsoidRounding(PJ_CONTEXT * ctx, PJ * crs, PJ * operation)
-{
-  char const * text = proj_as_proj_string(ctx, operation, PJ_PROJ_5, nullptr);
-  char const * at = text ? std::strstr(text, "+ellps=") : nullptr;
-  if (!at)
-    return 0.0;
-  std::string const name(at + 7, std::strcspn(at + 7, " "));
-  PjPtr ellipsoid(proj_get_ellipsoid(ctx, crs));
-  double a = 0.0;
-  if (!ellipsoid || !proj_ellipsoid_get_parameters(ctx, ellipsoid.pj, &a, nullptr, nullptr, nullptr))
-    return 0.0;
-  for (PJ_ELLPS const * e = proj_list_ellps(); e->id; ++e)
-    if (name == e->id && !std::strncmp(e->major, "a=", 2))
-      return std::fabs(std::atof(e->major + 2) - a) / a;
-  return 0.0;
-}
-
-// One projected system: our pair path both ways against PROJ.
+// One projected system of the shipped file: our pair path both ways against PROJ.
 Outcome SweepProjected(Proj & proj, DB::CDataSource & store, std::string const & code, PJ * crs,
                        std::string const & method, Report & report)
 {
   std::unique_ptr<CS::CProjectedCoordSys> ours(
     store.GetProjectedCoordSysNonThrow(CString("EPSG"), CString(QString::fromStdString(code))));
-  if (!ours)
-    return Outcome::kAbsent;
-  PJ_CONTEXT * ctx = proj.ctx;
-  PjPtr base(proj_crs_get_geodetic_crs(ctx, crs));
-  PjPtr raw(base ? proj_create_crs_to_crs_from_pj(ctx, base.pj, crs, nullptr, nullptr) : nullptr);
-  PjPtr op(raw ? proj_normalize_for_visualization(ctx, raw.pj) : nullptr);
-  PjPtr cs(proj_crs_get_coordinate_system(ctx, crs));
-  GeographicFrame frame;
-  std::vector<std::pair<double, double>> points;
-  double toMetres[2] = {1.0, 1.0};
-  char const * direction[2] = {nullptr, nullptr};
-  if (!op || !cs || !FrameOf(ctx, base.pj, frame) || !AreaPoints(ctx, crs, points) ||
-      !proj_cs_get_axis_info(ctx, cs.pj, 0, nullptr, nullptr, &direction[0], &toMetres[0], nullptr, nullptr,
-                             nullptr) ||
-      !proj_cs_get_axis_info(ctx, cs.pj, 1, nullptr, nullptr, &direction[1], &toMetres[1], nullptr, nullptr,
-                             nullptr)) {
-    report.Say("EPSG:" + code + " PROJ cannot set it up");
-    return Outcome::kWrong;
-  }
-  // Normalised, the first axis is the east-west one.
-  bool const swapped = direction[0] && (!std::strcmp(direction[0], "north") || !std::strcmp(direction[0], "south"));
-  if (swapped)
-    std::swap(toMetres[0], toMetres[1]);
-  double const rounding = EllipsoidRounding(ctx, crs, raw.pj);
-  if (rounding > 0.0)
-    report.rounded.insert(code);
-  PjPtr conversion(proj_crs_get_coordoperation(ctx, crs));
-  double const meridian = IsSeriesMethod(method) ? CentralMeridian(ctx, conversion.pj) : std::nan("");
-  bool refused = false;
-  for (auto const & [lon, lat] : points) {
-    PJ_COORD c = proj_coord(Wrap180(lon - frame.meridian) / frame.degreesPerUnit, lat / frame.degreesPerUnit, 0, 0);
-    c = proj_trans(op.pj, PJ_FWD, c);
-    if (c.xy.x == HUGE_VAL || !std::isfinite(c.xy.x)) {
-      report.Say("EPSG:" + code + " PROJ refuses " + Format("%.6f %.6f", lon, lat));
-      continue; // nothing to compare with
-    }
-    double const east = c.xy.x * toMetres[0], north = c.xy.y * toMetres[1];
-    bool const beyond = std::fabs(Wrap180(lon - meridian)) > kSeriesDomain; // false for NaN
-    // PROJ's own rounding of the axis moves its plane coordinates by that
-    // much of their distance from the origin; the tolerances take it in.
-    double const reach = std::hypot(east, north);
-    double const planeTolerance = kPlaneTolerance + rounding * reach;
-    double const inverseTolerance = InverseTolerance(method) + rounding * kDegreesPerRadian;
-    double x = lon, y = lat;
-    try {
-      if (!ours->FromGeodeticBase(x, y)) {
-        refused = true;
-        continue;
-      }
-      double const miss = std::hypot(x - east, y - north);
-      if (beyond && std::isfinite(miss)) {
-        double back[2] = {east, north};
-        bool const inverted = ours->ToGeodeticBase(back[0], back[1]);
-        ++report.beyond;
-        report.beyondPlane = std::max(report.beyondPlane, miss);
-        if (inverted)
-          report.beyondBack =
-            std::max(report.beyondBack, std::max(std::fabs(Wrap180(back[0] - lon)), std::fabs(back[1] - lat)));
-        continue;
-      }
-      if (!(miss <= planeTolerance)) {
-        report.Say("EPSG:" + code + Format(" forward off by %.3g m at %.6f %.6f", miss, lon, lat));
-        return Outcome::kWrong;
-      }
-      x = east;
-      y = north;
-      if (!ours->ToGeodeticBase(x, y)) {
-        refused = true;
-        continue;
-      }
-      double const off = std::max(std::fabs(Wrap180(x - lon)), std::fabs(y - lat));
-      if (!(off <= inverseTolerance)) {
-        report.Say("EPSG:" + code + Format(" back off by %.3g degree at %.6f %.6f", off, lon, lat));
-        return Outcome::kWrong;
-      }
-    } catch (EX::CVelmoraException const & e) {
-      report.Say("EPSG:" + code + Format(" at %.6f %.6f: ", lon, lat) + e.GetFullMessage().toStdString());
-      return Outcome::kWrong;
-    }
-  }
-  return refused ? Outcome::kRefused : Outcome::kRight;
+  return CompareProjected(proj, ours.get(), code, crs, method, report);
 }
 
 // One transformation forward, against PROJ running the same EPSG operation.
@@ -372,18 +107,6 @@ bool IsGeographic(PJ * crs)
   return t == PJ_TYPE_GEOGRAPHIC_2D_CRS || t == PJ_TYPE_GEOGRAPHIC_3D_CRS;
 }
 
-std::vector<std::string> Codes(Proj & proj, PJ_TYPE type)
-{
-  std::vector<std::string> codes;
-  PROJ_STRING_LIST list = proj_get_codes_from_database(proj.ctx, "EPSG", type, 0);
-  for (PROJ_STRING_LIST p = list; p && *p; ++p)
-    codes.emplace_back(*p);
-  proj_string_list_destroy(list);
-  std::sort(codes.begin(), codes.end(), [](std::string const & a, std::string const & b) {
-    return a.size() != b.size() ? a.size() < b.size() : a < b;
-  });
-  return codes;
-}
 
 std::string Table(char const * what, Tallies const & tallies, std::map<std::string, std::string> const & names,
                   int unrunnable)
@@ -428,11 +151,9 @@ Options Parse(int argc, char ** argv)
       o.markdown = value();
     else if (a == "--list")
       o.list = true;
-    else if (a == "--only") {
-      std::stringstream codes(value());
-      for (std::string c; std::getline(codes, c, ',');)
-        o.only.insert(c);
-    } else {
+    else if (a == "--only")
+      o.only = CodeList(value());
+    else {
       std::fprintf(stderr, "usage: epsg_sweep --data FILE [--markdown FILE] [--only CODE,...] [--list]\n");
       std::exit(2);
     }
