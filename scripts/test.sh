@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # Sets up a fresh Debian machine and runs every test: dependencies, configure,
-# build, then CTest. Usage: scripts/test.sh [build-dir]
+# build, then CTest; then the same under the sanitizers with the fuzz targets
+# (scripts/sanitize.sh, in build-sanitize beside the build directory).
+# Usage: scripts/test.sh [build-dir]
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${1:-$root/build}
@@ -8,5 +10,5 @@ build=${1:-$root/build}
 bash "$root/scripts/install-deps.sh"
 cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo
 cmake --build "$build" -j "$(nproc)"
-cd "$build"
-ctest --output-on-failure -j "$(nproc)"
+(cd "$build" && ctest --output-on-failure -j "$(nproc)")
+bash "$root/scripts/sanitize.sh" "$build-sanitize"

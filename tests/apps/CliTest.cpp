@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 
 using namespace VelmoraTest;
@@ -46,11 +47,7 @@ protected:
   {
     s_dir = std::make_unique<QTemporaryDir>();
     ASSERT_TRUE(s_dir->isValid());
-    // A commit keeps a backup in the working directory: keep it in ours.
-    QString const previous = QDir::currentPath();
-    QDir::setCurrent(s_dir->path());
     s_data = WriteSampleStore(s_dir->path(), VELMORA_SOURCE_DIR "/data/velmora.xsd");
-    QDir::setCurrent(previous);
   }
   static void TearDownTestSuite() { s_dir.reset(); }
 
@@ -259,6 +256,51 @@ TEST_F(Cli, CommandLineMistakesAreOneLineAndStatusTwo)
   ProgramRun const unknown = RunTool({"frobnicate"});
   EXPECT_EQ(unknown.exitCode, 2);
   EXPECT_TRUE(unknown.err.startsWith("velmora: unknown command 'frobnicate'\nusage:")) << Text(unknown.err);
+}
+
+// A data file damaged where a load does not look: the conversion stops
+// before the first point, with the code of what is missing, and status 2.
+TEST_F(Cli, ADamagedDataFileStopsTheConversionWithItsCode)
+{
+  QByteArray const sound = [] {
+    QFile file(VELMORA_TEST_DATA "/datasource/all_kinds.xml");
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+  }();
+  ASSERT_FALSE(sound.isEmpty());
+  QFile::copy(VELMORA_SOURCE_DIR "/data/velmora.xsd", s_dir->filePath("velmora.xsd"));
+  struct Case
+  {
+    char const * what;
+    char const * before;
+    char const * after;
+    char const * message;
+  };
+  for (Case const & c : {
+         Case{"a datum's ellipsoid that the file lacks", "<ellipsoid code=\"1\" issuer=\"VM\"/>",
+              "<ellipsoid code=\"99\" issuer=\"VM\"/>", "@@1"},
+         Case{"a datum's ellipsoid without issuer", "<ellipsoid code=\"1\" issuer=\"VM\"/>", "<ellipsoid code=\"1\"/>",
+              "@@2"},
+         Case{"a projected system's base that the file lacks", "<geodeticcoordsys code=\"1\" issuer=\"VM\"/>",
+              "<geodeticcoordsys code=\"77\" issuer=\"VM\"/>", "@@3"},
+         Case{"a geodetic system's datum that the file lacks",
+              "<horizontaldatum code=\"1\" issuer=\"VM\"/>\n      <verticalreference",
+              "<horizontaldatum code=\"9\" issuer=\"VM\"/>\n      <verticalreference", "@@4"},
+         Case{"an ellipsoid of no size", "6378137</semimajor>", "0</semimajor>", "@@5"},
+       }) {
+    QByteArray damaged = sound;
+    qsizetype const at = damaged.indexOf(c.before);
+    ASSERT_GE(at, 0) << c.what;
+    damaged.replace(at, qsizetype(std::strlen(c.before)), c.after);
+    QString const path = s_dir->filePath("damaged.xml");
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(damaged);
+    file.close();
+    ProgramRun const run = RunTool({"convert", "--data", path, "--from", "VM:1", "--to", "VM:32632"}, "9 45\n");
+    EXPECT_EQ(run.exitCode, 2) << c.what << ": " << Text(run.out);
+    EXPECT_TRUE(run.out.isEmpty()) << c.what << ": " << Text(run.out);
+    EXPECT_TRUE(run.err.startsWith(c.message)) << c.what << ": " << Text(run.err);
+  }
 }
 
 // Looking things up

@@ -15,6 +15,7 @@
 
 #include <cmath>
 #include <fstream>
+#include <limits>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -46,10 +47,10 @@ CGeodeticCoordSys Geodetic(CHorizontalDatum const & datum)
   return system;
 }
 
-CProjectedCoordSys Utm32North()
+CProjectedCoordSys Utm32North(CHorizontalDatum const & datum = Wgs84())
 {
   CProjectedCoordSys system;
-  system.SetGeodeticCoordSys(Geodetic(Wgs84()));
+  system.SetGeodeticCoordSys(Geodetic(datum));
   PJ::CUniversalTransverseMercator utm;
   utm.GetParameters().SetLong(CString("autoset"), 0);
   utm.GetParameters().SetLong(CString("is_north"), 1);
@@ -177,6 +178,17 @@ TEST(CoordTransform, EmptyChainIsBaseAndBackOnly)
   ASSERT_TRUE(transform.ConvertAhead(CGeodeticPoint(1.0, 45.0, 12.0), out));
   EXPECT_DOUBLE_EQ(out.GetLon().GetInternal(), 3.33722917);
   EXPECT_EQ(out.GetHgt().GetInternal(), 12.0);
+}
+
+TEST(CoordTransform, ANumberThatIsNotFiniteIsNoResultOnEitherPath)
+{
+  CGeodeticCoordSys source = Geodetic(Wgs84());
+  CProjectedCoordSys destination = Utm32North(Datum("no size", std::numeric_limits<double>::quiet_NaN()));
+  CCoordTransform transform(&source, &destination);
+  double x = 9.0, y = 45.0;
+  EXPECT_FALSE(transform.ConvertAhead(x, y));
+  CProjectedPoint out(3);
+  EXPECT_FALSE(transform.ConvertAhead(CGeodeticPoint(9.0, 45.0, 0.0), out));
 }
 
 TEST(CoordTransform, LightPathLeavesHeightsAndFullPathCarriesThem)
