@@ -160,12 +160,18 @@ int RunConvert(Options const & options)
   std::unique_ptr<DB::CDataSource> store = OpenStore(DataFilePath(options.data));
   std::unique_ptr<CS::CCoordSys> source(store->GetCoordSys(from.issuer, from.code));
   std::unique_ptr<CS::CCoordSys> target(store->GetCoordSys(to.issuer, to.code));
-  // A system whose references a data file left dangling converts to nothing
-  // sensible: it stops here with its completeness code.
-  for (CS::CCoordSys const * system : {source.get(), target.get()})
-    if (!system->IsFullyDefined(store.get()))
-      throw EX::CVelmoraException(EX::CVelmoraException::kNotFullySpecified, "velmora convert",
-                                  CString(VmCode(*system)));
+  // A system whose references a data file left dangling, down to its
+  // datum's ellipsoid, converts to nothing sensible: it stops here with the
+  // code of what is missing.
+  for (CS::CCoordSys const * system : {source.get(), target.get()}) {
+    CS::CHorizontalDatum const & datum = system->GetHorizontalDatum();
+    for (CSerializable const * part : {static_cast<CSerializable const *>(system),
+                                       static_cast<CSerializable const *>(&datum),
+                                       static_cast<CSerializable const *>(&datum.GetEllipsoid())})
+      if (!part->IsFullyDefined(store.get()))
+        throw EX::CVelmoraException(EX::CVelmoraException::kNotFullySpecified, "velmora convert",
+                                    CString(VmCode(*part)));
+  }
   CT::CCoordTransform transform(source.get(), target.get());
   std::string const how = SetUpRoute(*store, transform, options, *source, *target);
   if (options.verbose)

@@ -35,10 +35,11 @@ constexpr char kSchemaName[] = "velmora.xsd";
 constexpr char kRootElement[] = "velmora";
 
 // Limits a hostile file cannot push past. A real data file expands no entity
-// of its own and nests a handful of levels (folders in folders included); the
-// parser's cost grows with the square of the depth, so the bound keeps any
-// file of a few megabytes well under a second.
-constexpr unsigned int kEntityExpansionLimit = 10000;
+// of its own (the predefined ones such as &amp; do not count) and nests a
+// handful of levels, folders in folders included. Each expansion costs the
+// parser a reader with its buffers, and its cost grows with the square of
+// the depth: these bounds keep any file of a few megabytes well under a second.
+constexpr unsigned int kEntityExpansionLimit = 1000;
 constexpr int kMaxElementDepth = 256;
 
 // Whether this library started the XML platform; shared by all stores.
@@ -136,7 +137,9 @@ void CDataSource::TerminateXml()
 bool CDataSource::LoadFile(CString const & name)
 {
   char const * const location = "CDataSource::LoadFile";
-  if (m_loaded)
+  // What a failed load read stays until now; the next load must not build
+  // on it, since the groups it replaces would leave references dangling.
+  if (m_loaded || !m_groups.empty())
     Clear();
   m_fileName = name;
   if (GetDataPath().isEmpty())

@@ -1,7 +1,8 @@
-// A commit cut short: by a disk that takes no more (a file size limit, so
-// that the write fails part way) and by a kill in the middle of the write.
-// The former file stays byte for byte and the store goes on working.
+// A commit cut short by a disk that takes no more (a file size limit) or by
+// a kill mid-write keeps the former file byte for byte; the store goes on.
 #include "DataFileSupport.h"
+
+#include "../support/TestSupport.h"
 
 #include <velmora/velmora.h>
 
@@ -11,96 +12,67 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-using namespace Velmora;
 using namespace VelmoraTest;
-using DB::CDataSource;
-using EX::CVelmoraException;
+using Velmora::DB::CDataSource;
+using Velmora::EX::CVelmoraException;
 
 namespace {
 
-// Exit statuses of the committing child.
-constexpr int kCommitSucceeded = 100;
-constexpr int kRetryFailed = 101;
+constexpr int kFileChanged = 100, kRetryFailed = 101; // a child's findings
 
 class CommitFaults : public DataFileTest
 {
 protected:
-  void SetUp() override
-  {
-    DataFileTest::SetUp();
-    m_path = Stage("all_kinds.xml");
-    // The size the commit writes, from a commit elsewhere.
-    CDataSource probe;
-    ASSERT_TRUE(probe.LoadFile(m_path));
-    ASSERT_TRUE(probe.CommitToFile(Path("probe.xml")));
-    m_written = QFileInfo(Path("probe.xml")).size();
-    ASSERT_GT(m_written, 1);
-    m_before = ReadAll(m_path);
-  }
-
-  // Commits in a child whose files may not grow past `limit` bytes. With
-  // `survive` the child ignores SIGXFSZ, so the write fails; it then lifts
-  // the limit, commits again with the same store and exits with the first
-  // commit's code. Without it, the signal kills the child mid-write.
-  int CommitInChild(rlim_t limit, bool survive)
+  // Commits in a child whose files may not grow past `limit`: killed by
+  // SIGXFSZ mid-write, or with it ignored, failing, then checking the file,
+  // lifting the limit and committing again. Gives the wait status.
+  int CommitInChild(CString const & path, rlim_t limit, bool survive)
   {
     CDataSource source;
-    source.LoadFile(m_path);
+    source.LoadFile(path);
     pid_t const child = ::fork();
     if (child == 0) {
       std::signal(SIGXFSZ, survive ? SIG_IGN : SIG_DFL);
       rlimit bounded{};
       ::getrlimit(RLIMIT_FSIZE, &bounded);
-      rlim_t const hard = bounded.rlim_max;
+      rlimit const lifted{bounded.rlim_max, bounded.rlim_max};
       bounded.rlim_cur = limit;
       ::setrlimit(RLIMIT_FSIZE, &bounded);
-      int code = kCommitSucceeded;
-      try {
-        source.CommitToFile();
-      } catch (CVelmoraException const & e) {
-        code = e.GetErrorCode();
-      }
-      rlimit const lifted{hard, hard};
+      int const code = Raised([&] { source.CommitToFile(); }).GetErrorCode();
+      if (ReadAll(path) != m_before)
+        std::_Exit(kFileChanged);
       ::setrlimit(RLIMIT_FSIZE, &lifted);
-      bool const retried = source.CommitToFile();
-      std::_Exit(retried ? code : kRetryFailed);
+      std::_Exit(source.CommitToFile() ? code : kRetryFailed);
     }
     int status = 0;
     ::waitpid(child, &status, 0);
     return status;
   }
 
-  CString m_path;
-  qint64 m_written = 0;
   QByteArray m_before;
 };
 
-TEST_F(CommitFaults, AWriteFailingPartWayKeepsTheFileAndTheStoreCommitsAgain)
+TEST_F(CommitFaults, AFailedWriteOrAKillLeavesTheFormerFileAndTheStoreWorks)
 {
-  int const status = CommitInChild(rlim_t(m_written / 2), true);
-  ASSERT_TRUE(WIFEXITED(status));
-  EXPECT_EQ(WEXITSTATUS(status), CVelmoraException::kXercesWrite);
-  // The retry has replaced the file with a whole document, which loads.
-  EXPECT_FALSE(QFile::exists(m_path + ".partial"));
-  CDataSource again;
-  EXPECT_TRUE(again.LoadFile(m_path));
-  EXPECT_EQ(ReadAll(m_path), ReadAll(Path("probe.xml")));
-}
+  CString const path = Stage("all_kinds.xml");
+  m_before = ReadAll(path);
+  CDataSource probe; // what a whole commit writes
+  ASSERT_TRUE(probe.LoadFile(path) && probe.CommitToFile(Path("whole.xml")));
+  QByteArray const whole = ReadAll(Path("whole.xml"));
 
-TEST_F(CommitFaults, AKillBeforeTheReplaceKeepsTheFileByteForByte)
-{
-  // Killed at the last byte: everything but the replace had been done.
-  int const status = CommitInChild(rlim_t(m_written - 1), false);
-  ASSERT_TRUE(WIFSIGNALED(status));
-  EXPECT_EQ(WTERMSIG(status), SIGXFSZ);
-  EXPECT_EQ(ReadAll(m_path), m_before);
-  // What the kill left behind is no hindrance to the next commit.
-  EXPECT_TRUE(QFile::exists(m_path + ".partial"));
-  CDataSource source;
-  ASSERT_TRUE(source.LoadFile(m_path));
-  ASSERT_TRUE(source.CommitToFile());
-  EXPECT_FALSE(QFile::exists(m_path + ".partial"));
-  EXPECT_EQ(ReadAll(m_path), ReadAll(Path("probe.xml")));
+  // Killed at the last byte: all but the replace was done.
+  int const killed = CommitInChild(path, rlim_t(whole.size() - 1), false);
+  ASSERT_TRUE(WIFSIGNALED(killed));
+  EXPECT_EQ(WTERMSIG(killed), SIGXFSZ);
+  EXPECT_EQ(ReadAll(path), m_before);
+
+  // The disk full half-way: the write fails, the retry replaces the file and
+  // clears what the kill left beside it.
+  int const failed = CommitInChild(path, rlim_t(whole.size() / 2), true);
+  ASSERT_TRUE(WIFEXITED(failed));
+  EXPECT_EQ(WEXITSTATUS(failed), CVelmoraException::kXercesWrite);
+  EXPECT_EQ(ReadAll(path), whole);
+  EXPECT_FALSE(QFile::exists(path + ".partial"));
 }
 
 } // namespace

@@ -5,16 +5,17 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/TestSupport.h"
+
 #include <cmath>
-#include <fstream>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
 namespace TmercTest {
 
 using Velmora::CString;
+using VelmoraTest::ReadRows;
 using Velmora::CS::CEllipsoid;
 using Velmora::CS::CHorizontalDatum;
 using Velmora::CS::PJ::CProjection;
@@ -66,28 +67,6 @@ inline void SetUtm(CProjection & p, long zone, bool north, bool autoset = false)
   params.SetLong(CString("autoset"), autoset ? 1 : 0);
   params.SetLong(CString("is_north"), north ? 1 : 0);
   params.SetLong(CString("zone"), zone);
-}
-
-// The numbers of each data line; comment lines are skipped.
-inline std::vector<std::vector<double>> ReadRows(std::string const & name, std::size_t columns)
-{
-  std::ifstream in(std::string(VELMORA_TEST_DATA) + "/" + name);
-  EXPECT_TRUE(in.good()) << name;
-  std::vector<std::vector<double>> rows;
-  std::string line;
-  while (std::getline(in, line)) {
-    line = line.substr(0, line.find('#'));
-    std::istringstream fields(line);
-    std::vector<double> row;
-    double v;
-    while (fields >> v)
-      row.push_back(v);
-    if (row.empty())
-      continue;
-    EXPECT_GE(row.size(), columns) << name << ": " << line;
-    rows.push_back(row);
-  }
-  return rows;
 }
 
 // Longitude offset in degrees, within half a turn.

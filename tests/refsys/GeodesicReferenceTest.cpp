@@ -5,15 +5,16 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/TestSupport.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 using Velmora::CS::BEllipsoid;
+using VelmoraTest::ReadRows;
 using Velmora::ML::BPoint2D;
 using Velmora::ML::BPoint3D;
 
@@ -27,28 +28,6 @@ constexpr double kShortLineOffset = 2e-7;
 
 // Bound of the rhumb-line errors that come from the meridian arc series, metres.
 constexpr double kRhumbSeriesError = 2.5e-3;
-
-// The numbers of each data line, up to a '#'; comment lines are skipped.
-std::vector<std::vector<double>> ReadRows(std::string const & name, std::size_t minColumns)
-{
-  std::ifstream in(std::string(VELMORA_TEST_DATA) + "/" + name);
-  EXPECT_TRUE(in.good()) << name;
-  std::vector<std::vector<double>> rows;
-  std::string line;
-  while (std::getline(in, line)) {
-    line = line.substr(0, line.find('#'));
-    std::istringstream fields(line);
-    std::vector<double> row;
-    double v;
-    while (fields >> v)
-      row.push_back(v);
-    if (row.empty())
-      continue;
-    EXPECT_GE(row.size(), minColumns) << name << ": " << line;
-    rows.push_back(row);
-  }
-  return rows;
-}
 
 // Difference of two angles in radians, reduced to [-pi, pi].
 double AngleDiff(double a, double b)

@@ -8,8 +8,6 @@
 
 #include "../support/TestSupport.h"
 
-#include <fstream>
-#include <sstream>
 #include <string>
 
 using namespace Velmora;
@@ -48,22 +46,15 @@ CProjectedCoordSys ParisSystem()
 
 TEST(ProjectedCoordSys, ParisMeridianMatchesProjToTheNanodegree)
 {
-  std::ifstream file(std::string(VELMORA_TEST_DATA) + "/paris_tmerc.txt");
-  ASSERT_TRUE(file) << "tests/data/paris_tmerc.txt (scripts/gen-coordsys-refs.sh)";
   CProjectedCoordSys const system = ParisSystem();
-  std::string line;
   int points = 0;
-  while (std::getline(file, line)) {
-    if (line.empty() || line[0] == '#')
-      continue;
-    std::istringstream in(line);
-    double e, n, lon, lat;
-    in >> e >> n >> lon >> lat;
+  for (std::vector<double> const & row : ReadRows("paris_tmerc.txt", 4)) {
+    double const e = row[0], n = row[1], lon = row[2], lat = row[3];
     // Pair path.
     double x = e, y = n;
     ASSERT_TRUE(system.ToGeodeticBase(x, y));
-    EXPECT_NEAR(x, lon, 1e-9) << line;
-    EXPECT_NEAR(y, lat, 1e-9) << line;
+    EXPECT_NEAR(x, lon, 1e-9) << e << " " << n;
+    EXPECT_NEAR(y, lat, 1e-9) << e << " " << n;
     // Point path gives the same.
     CGeodeticPoint out(3);
     ASSERT_TRUE(system.ToGeodeticBase(CProjectedPoint(e, n, 12.0), out));

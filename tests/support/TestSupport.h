@@ -5,7 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <functional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -15,6 +17,26 @@ inline void PrintTo(CString const & text, std::ostream * out) { *out << '"' << t
 } // namespace Velmora
 
 namespace VelmoraTest {
+
+// The numbers of each line of a reference file in tests/data, up to a '#';
+// lines without numbers are skipped, and each must have `columns` at least.
+inline std::vector<std::vector<double>> ReadRows(std::string const & name, std::size_t columns)
+{
+  std::ifstream in(std::string(VELMORA_TEST_DATA) + "/" + name);
+  EXPECT_TRUE(in.good()) << name;
+  std::vector<std::vector<double>> rows;
+  for (std::string line; std::getline(in, line);) {
+    std::istringstream fields(line.substr(0, line.find('#')));
+    std::vector<double> row;
+    for (double v; fields >> v;)
+      row.push_back(v);
+    if (row.empty())
+      continue;
+    EXPECT_GE(row.size(), columns) << name << ": " << line;
+    rows.push_back(row);
+  }
+  return rows;
+}
 
 // The exception a call raises; a test failure if it raises none.
 template <class F>

@@ -14,10 +14,8 @@
 #include <QTemporaryDir>
 
 #include <cmath>
-#include <fstream>
 #include <limits>
 #include <memory>
-#include <sstream>
 #include <string>
 
 using namespace Velmora;
@@ -79,19 +77,10 @@ public:
 // Lines "zone north lon lat E N" of PROJ's utm on WGS 84, zone 32 north, within 4 degrees of 9 E.
 std::vector<std::array<double, 4>> Utm32References()
 {
-  std::ifstream file(std::string(VELMORA_TEST_DATA) + "/tmerc_utm_wgs84.txt");
-  EXPECT_TRUE(file.good()) << "tests/data/tmerc_utm_wgs84.txt (scripts/gen-tmerc-refs.sh)";
   std::vector<std::array<double, 4>> rows;
-  std::string line;
-  while (std::getline(file, line)) {
-    if (line.empty() || line[0] == '#')
-      continue;
-    std::istringstream in(line);
-    double zone, north, lon, lat, e, n;
-    in >> zone >> north >> lon >> lat >> e >> n;
-    if (zone == 32 && north == 1 && std::fabs(lon - 9.0) <= 4.0)
-      rows.push_back({lon, lat, e, n});
-  }
+  for (std::vector<double> const & r : ReadRows("tmerc_utm_wgs84.txt", 6))
+    if (r[0] == 32 && r[1] == 1 && std::fabs(r[2] - 9.0) <= 4.0)
+      rows.push_back({r[2], r[3], r[4], r[5]});
   return rows;
 }
 

@@ -9,12 +9,11 @@
 #include <gtest/gtest.h>
 
 #include "../../support/TestSupport.h"
+#include "ShiftDoubles.h"
 
 #include <cmath>
 #include <cstdio>
-#include <fstream>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -28,17 +27,7 @@ using Velmora::ML::CGeodeticPoint;
 
 namespace {
 
-CHorizontalDatum Datum(double semiMajor, double inverseFlattening)
-{
-  CHorizontalDatum datum;
-  datum.GetEllipsoid().GetSemiMajor().SetValue(semiMajor);
-  datum.GetEllipsoid().SetInvFlattening(inverseFlattening);
-  return datum;
-}
-
-// The figures PROJ knows as WGS84, intl, airy and bessel.
-CHorizontalDatum const kWgs84 = Datum(6378137.0, 298.257223563);
-CHorizontalDatum const kIntl = Datum(6378388.0, 297.0);
+// PROJ's airy and bessel, beside its WGS84 and intl of ShiftDoubles.h.
 CHorizontalDatum const kAiry = Datum(6377563.396, 299.3249646);
 CHorizontalDatum const kBessel = Datum(6377397.155, 299.1528128);
 
@@ -89,17 +78,9 @@ struct Pair
 
 std::vector<Pair> ReadPairs(char const * name)
 {
-  std::ifstream file(std::string(VELMORA_TEST_DATA) + "/" + name);
-  EXPECT_TRUE(file.good()) << name;
   std::vector<Pair> pairs;
-  for (std::string line; std::getline(file, line);) {
-    if (line.empty() || line[0] == '#')
-      continue;
-    std::istringstream row(line);
-    Pair p;
-    row >> p.from.x >> p.from.y >> p.from.z >> p.to.x >> p.to.y >> p.to.z;
-    pairs.push_back(p);
-  }
+  for (std::vector<double> const & r : ReadRows(name, 6))
+    pairs.push_back({{r[0], r[1], r[2]}, {r[3], r[4], r[5]}});
   EXPECT_GT(pairs.size(), 10u) << name;
   return pairs;
 }

@@ -8,9 +8,7 @@
 
 #include "../../support/TestSupport.h"
 
-#include <fstream>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -72,20 +70,7 @@ TEST(OldSchool, AffineAndFirstOrderRecoverKnownCoefficients)
 
 TEST(OldSchool, SecondOrderMatchesFivePassReference)
 {
-  std::ifstream file(VELMORA_TEST_DATA "/polyfix_second_order.txt");
-  ASSERT_TRUE(file) << "reference file missing";
-  std::string line;
-  std::vector<std::vector<double>> rows;
-  while (std::getline(file, line)) {
-    if (line.empty() || line[0] == '#')
-      continue;
-    std::istringstream in(line);
-    std::vector<double> values;
-    for (double v; in >> v;)
-      values.push_back(v);
-    ASSERT_EQ(values.size(), 12u);
-    rows.push_back(values);
-  }
+  auto const rows = ReadRows("polyfix_second_order.txt", 12);
   ASSERT_EQ(rows.size(), 2u);
   std::vector<double> const trueX(rows[0].begin(), rows[0].begin() + 6), fitX(rows[0].begin() + 6, rows[0].end());
   std::vector<double> const trueY(rows[1].begin(), rows[1].begin() + 6), fitY(rows[1].begin() + 6, rows[1].end());
