@@ -266,6 +266,18 @@ int RunConvert(Options const & options)
   std::unique_ptr<DB::CDataSource> store = OpenStore(DataFilePath(options.data));
   std::unique_ptr<CS::CCoordSys> source(ResolveCoordSys(*store, options.from));
   std::unique_ptr<CS::CCoordSys> target(ResolveCoordSys(*store, options.to));
+  // A system whose references a data file left dangling, down to its
+  // datum's ellipsoid, converts to nothing sensible: it stops here with the
+  // code of what is missing.
+  for (CS::CCoordSys const * system : {source.get(), target.get()}) {
+    CS::CHorizontalDatum const & datum = system->GetHorizontalDatum();
+    for (CSerializable const * part : {static_cast<CSerializable const *>(system),
+                                       static_cast<CSerializable const *>(&datum),
+                                       static_cast<CSerializable const *>(&datum.GetEllipsoid())})
+      if (!part->IsFullyDefined(store.get()))
+        throw EX::CVelmoraException(EX::CVelmoraException::kNotFullySpecified, "velmora convert",
+                                    CString(VmCode(*part)));
+  }
   bool const vertical = GiveEllipsoidalHeights(*source, *target);
   CT::CCoordTransform transform(source.get(), target.get());
   // The route is chosen at the first point, whose place the areas of use should hold.

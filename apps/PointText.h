@@ -52,8 +52,12 @@ public:
 private:
   void Reserve(std::size_t bytes)
   {
-    if (m_used + bytes > m_data.size())
-      Flush();
+    if (m_used + bytes <= m_data.size())
+      return;
+    Flush();
+    // A block smaller than one number grows to hold it.
+    if (bytes > m_data.size())
+      m_data.resize(bytes);
   }
 
   std::FILE * m_file;

@@ -1,5 +1,5 @@
 // The store's file: loading through the SAX handlers, committing through
-// the writer with a backup of the former file, the class types of the
+// the writer into a file that then replaces the former one, the class types of the
 // schema beside the data file, and the references a file makes forward.
 #include <velmora/datasource/CDataSource.h>
 
@@ -11,10 +11,13 @@
 #include <xercesc/dom/DOMElement.hpp>
 #include <xercesc/dom/DOMException.hpp>
 #include <xercesc/framework/LocalFileInputSource.hpp>
+#include <xercesc/parsers/SAX2XMLFilterImpl.hpp>
 #include <xercesc/parsers/XercesDOMParser.hpp>
 #include <xercesc/sax/SAXException.hpp>
 #include <xercesc/sax2/XMLReaderFactory.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/SecurityManager.hpp>
+#include <xercesc/util/XMLUni.hpp>
 #include <xercesc/util/XMLException.hpp>
 
 #include <QFileInfo>
@@ -29,7 +32,15 @@ namespace XN = XERCES_CPP_NAMESPACE;
 namespace {
 
 constexpr char kSchemaName[] = "velmora.xsd";
-constexpr char kBackupName[] = "./temp.xml";
+constexpr char kRootElement[] = "velmora";
+
+// Limits a hostile file cannot push past. A real data file expands no entity
+// of its own (the predefined ones such as &amp; do not count) and nests a
+// handful of levels, folders in folders included. Each expansion costs the
+// parser a reader with its buffers, and its cost grows with the square of
+// the depth: these bounds keep any file of a few megabytes well under a second.
+constexpr unsigned int kEntityExpansionLimit = 1000;
+constexpr int kMaxElementDepth = 256;
 
 // Whether this library started the XML platform; shared by all stores.
 bool m_UtilitiesAreInitialized = false;
@@ -66,6 +77,36 @@ bool CopyFile(CString const & from, CString const & to)
 constexpr char const * kClassTypeNames[] = {"DatumShiftEnumType", "MathTransformEnumType", "ProjectionEnumType",
                                             "HeightModelEnumType", "VerticalDatumEnumType"};
 
+// Between the reader and the handlers, which hand the document on by
+// setContentHandler on this filter: it refuses a root other than the data
+// file's and nesting beyond kMaxElementDepth before any handler sees them.
+class CBoundedReader : public XN::SAX2XMLFilterImpl
+{
+public:
+  using XN::SAX2XMLFilterImpl::SAX2XMLFilterImpl;
+
+  void startElement(XMLCh const * uri, XMLCh const * localname, XMLCh const * qname,
+                    XN::Attributes const & attributes) override
+  {
+    char const * const location = "CDataSource::LoadFile";
+    if (++m_depth > kMaxElementDepth)
+      throw CVelmoraException(CVelmoraException::kXercesParse, location,
+                              CString("Elements nested deeper than %1 levels").arg(kMaxElementDepth));
+    if (m_depth == 1 && SAX::FromXml(localname) != QLatin1String(kRootElement))
+      throw CVelmoraException(CVelmoraException::kElementMissing, location, CString(kRootElement));
+    XN::SAX2XMLFilterImpl::startElement(uri, localname, qname, attributes);
+  }
+
+  void endElement(XMLCh const * uri, XMLCh const * localname, XMLCh const * qname) override
+  {
+    --m_depth;
+    XN::SAX2XMLFilterImpl::endElement(uri, localname, qname);
+  }
+
+private:
+  int m_depth = 0;
+};
+
 } // namespace
 
 void CDataSource::InitializeXml()
@@ -96,7 +137,9 @@ void CDataSource::TerminateXml()
 bool CDataSource::LoadFile(CString const & name)
 {
   char const * const location = "CDataSource::LoadFile";
-  if (m_loaded)
+  // What a failed load read stays until now; the next load must not build
+  // on it, since the groups it replaces would leave references dangling.
+  if (m_loaded || !m_groups.empty())
     Clear();
   m_fileName = name;
   if (GetDataPath().isEmpty())
@@ -105,16 +148,25 @@ bool CDataSource::LoadFile(CString const & name)
   {
     // Handlers before the reader, so that the reader goes first.
     SAX::CXercesErrorHandler errors;
+    XN::SecurityManager security;
+    security.setEntityExpansionLimit(kEntityExpansionLimit);
     std::unique_ptr<XN::SAX2XMLReader> reader;
+    std::unique_ptr<CBoundedReader> bounded;
     std::unique_ptr<SAX::CVelmoraHandler> root;
     try {
       reader.reset(XN::XMLReaderFactory::createXMLReader());
-      root = std::make_unique<SAX::CVelmoraHandler>(reader.get(), nullptr, CString("velmora"), this);
-      reader->setContentHandler(root.get());
-      reader->setErrorHandler(&errors);
+      // Nothing outside the file is ever fetched: no external DTD, no
+      // external entity, whatever the document declares.
+      reader->setFeature(XN::XMLUni::fgXercesLoadExternalDTD, false);
+      reader->setFeature(XN::XMLUni::fgXercesDisableDefaultEntityResolution, true);
+      reader->setProperty(XN::XMLUni::fgXercesSecurityManager, &security);
+      bounded = std::make_unique<CBoundedReader>(reader.get());
+      root = std::make_unique<SAX::CVelmoraHandler>(bounded.get(), nullptr, CString(kRootElement), this);
+      bounded->setContentHandler(root.get());
+      bounded->setErrorHandler(&errors);
       std::basic_string<XMLCh> const path = ToXml(name);
       XN::LocalFileInputSource source(path.c_str());
-      reader->parse(source);
+      bounded->parse(source);
     } catch (CVelmoraException const &) {
       throw;
     } catch (XN::XMLException const & e) {
@@ -126,6 +178,7 @@ bool CDataSource::LoadFile(CString const & name)
     } catch (std::exception const & e) {
       throw CVelmoraException(CVelmoraException::kUndefined, location, CString(e.what()));
     }
+    bounded.reset();
     reader.reset();
   }
   m_loaded = true;
@@ -198,24 +251,13 @@ bool CDataSource::CommitToFile(CString const & name)
   if (!m_loaded)
     throw CVelmoraException(CVelmoraException::kDataSourceNotLoaded, location);
 
-  bool const backedUp = IsFile(name) && CopyFile(name, CString(kBackupName));
-  bool written = false;
-  try {
-    SAX::CXmlWriter writer(name);
-    SAX::CVelmoraHandler root(&writer, nullptr, CString("velmora"), this);
-    written = root.writeElement();
-  } catch (...) {
-    // The writer has closed: the former file comes back whole.
-    if (backedUp) {
-      CopyFile(CString(kBackupName), name);
-      std::remove(kBackupName);
-    }
-    throw;
-  }
+  // The writer replaces the former file only once the whole document is on
+  // the disk (see CXmlWriter), so a failure leaves that file as it was.
+  SAX::CXmlWriter writer(name);
+  SAX::CVelmoraHandler root(&writer, nullptr, CString(kRootElement), this);
+  bool const written = root.writeElement();
   if (name == m_fileName)
     m_modifications = 0;
-  if (backedUp)
-    std::remove(kBackupName);
   return written;
 }
 

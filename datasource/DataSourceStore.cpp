@@ -91,7 +91,15 @@ SAX::dbGroup * CDataSource::GetGroup(long type) const
   return found == m_groups.end() ? nullptr : found->second.get();
 }
 
-void CDataSource::SetGroup(long type, std::unique_ptr<SAX::dbGroup> group) { m_groups[type] = std::move(group); }
+void CDataSource::SetGroup(long type, std::unique_ptr<SAX::dbGroup> group)
+{
+  // A file that names a kind twice: what was read under the first name may be
+  // referred to already, so it stays alive with the group that replaces it.
+  std::unique_ptr<SAX::dbGroup> & slot = m_groups[type];
+  if (slot && group)
+    group->RetireGroup(std::move(slot));
+  slot = std::move(group);
+}
 
 // Lookup
 

@@ -15,7 +15,8 @@ class VELMORA_API CString : public QString
 {
 public:
   // Where GetClipped removes characters.
-  enum EClipLocation { kClipStart = 0, kClipMiddle = 1, kClipEnd = 2 };
+  // Fixed to int: callers may pass any value, which then clips nothing.
+  enum EClipLocation : int { kClipStart = 0, kClipMiddle = 1, kClipEnd = 2 };
 
   static CString const kEllipse; // "..."
 

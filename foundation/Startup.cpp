@@ -36,9 +36,11 @@ bool HasDisplay()
 
 extern "C" {
 
+// QCoreApplication::instance() rather than qApp: qApp casts the instance to
+// QApplication, which is undefined when the host made a plain QCoreApplication.
 bool VMInitialize(void)
 {
-  if (!qApp) {
+  if (!QCoreApplication::instance()) {
     // A server or CI process has no display: the offscreen platform keeps it
     // alive where the default one would abort.
     if (!HasDisplay())
@@ -47,7 +49,7 @@ bool VMInitialize(void)
     g_application = new CVelmoraApplication(g_argc, g_argv);
   }
   ++g_references;
-  return qApp != nullptr;
+  return QCoreApplication::instance() != nullptr;
 }
 
 bool VMTerminate(void)
@@ -62,7 +64,7 @@ bool VMTerminate(void)
 
 void VMIssueWarning(unsigned short const * title, unsigned short const * text)
 {
-  if (!qApp)
+  if (!QCoreApplication::instance())
     VMInitialize();
   QMessageBox::warning(nullptr, Velmora::CString(title), Velmora::CString(text));
 }

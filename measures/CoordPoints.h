@@ -11,7 +11,8 @@
 
 namespace Velmora::ML {
 
-enum ECoordPointType { kCartesianPoint = 0, kGeodeticPoint = 1, kProjectedPoint = 2 };
+// Fixed to int: a type outside the three is a value callers may pass, and is refused.
+enum ECoordPointType : int { kCartesianPoint = 0, kGeodeticPoint = 1, kProjectedPoint = 2 };
 
 // The fields and rules all three point bodies share. The numbers live in the
 // values of each kind, reached through Value(axis).

@@ -68,7 +68,8 @@ char GeorefLetterFromIndex(long index)
 
 void GeorefToLonLat(CString const & text, double & lon, double & lat)
 {
-  auto letter = [&text](int i) { return GeorefIndexFromLetter(text[i].toLatin1()); };
+  // A short text reads its missing letters as NUL, as its missing digits read as 0.
+  auto letter = [&text](int i) { return GeorefIndexFromLetter(i < text.size() ? text[i].toLatin1() : '\0'); };
   lon = letter(0) * kCell + letter(2) + Digits(text, 4) - 180.0;
   lat = letter(1) * kCell + letter(3) + Digits(text, 4 + kDigitCount) - 90.0;
 }

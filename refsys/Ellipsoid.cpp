@@ -289,6 +289,17 @@ bool CEllipsoidData::IsFullyDefined(DB::CDataSource const * source) const
 
 bool CEllipsoidData::ReadStoredValue(CString const & key, TWLVariant & value)
 {
+  // A file's figure is taken as written or not at all: the setters would turn
+  // an axis of 0, INF or NaN, or an inverse flattening below one, into a
+  // figure that converts to nothing or silently into a sphere. Zero stays
+  // the usual mark of a sphere's inverse flattening.
+  double const number = value.toDouble();
+  bool const axis = key == CString("semimajor") || key == CString("semiminor");
+  bool const flattening = key == CString("invflattening");
+  if ((axis && !(number > 0.0)) || (flattening && number != 0.0 && !(number >= 1.0)) ||
+      ((axis || flattening) && !std::isfinite(number)))
+    throw CVelmoraException(CVelmoraException::kInvalidValue, "CEllipsoidDataDB::SetValue",
+                            key + CString(" ") + value.toString());
   if (key == CString("semimajor"))
     m_semiMajor.SetValue(value.toDouble());
   else if (key == CString("semiminor"))

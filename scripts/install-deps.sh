@@ -13,6 +13,8 @@ packages=(
   libbenchmark-dev
   proj-bin proj-data libproj-dev
   geographiclib-tools
+  # The sanitizer build and the fuzz targets (libFuzzer comes with clang's runtime).
+  clang-14 libclang-rt-14-dev llvm-14
 )
 
 missing=()

@@ -5,6 +5,8 @@
 #include <velmora/foundation/VelmoraException.h>
 #include <velmora/refsys/FittedCoordSys.h>
 
+#include <cmath>
+
 namespace Velmora::CT {
 
 using EX::CVelmoraException;
@@ -109,6 +111,26 @@ void CCoordTransformData::CheckBound(char const * location) const
     throw CVelmoraException(CVelmoraException::kCoordSysMissing, location);
 }
 
+namespace {
+
+// A figure or parameter that a file got wrong shows as a number that is not
+// finite; such a point is not converted, whatever the stages said.
+bool FiniteResult(bool done, double x, double y) { return done && std::isfinite(x) && std::isfinite(y); }
+
+bool FiniteResult(bool done, ML::CCoordPoint const & point)
+{
+  if (!done)
+    return false;
+  double x = 0.0, y = 0.0, z = 0.0;
+  if (point.GetDimensions() == 3)
+    point.GetInternals(x, y, z);
+  else
+    point.GetInternals(x, y);
+  return FiniteResult(std::isfinite(z), x, y);
+}
+
+} // namespace
+
 // Pair path. The chain's answer is not looked at: a shift that cannot shift
 // says so by an exception.
 
@@ -119,7 +141,7 @@ bool CCoordTransformData::ConvertAhead(double & x, double & y) const
     return false;
   if (m_shifts.Count() > 0)
     m_shifts.ShiftForward(x, y);
-  return m_destination->FromGeodeticBase(x, y);
+  return FiniteResult(m_destination->FromGeodeticBase(x, y), x, y);
 }
 
 bool CCoordTransformData::ConvertBack(double & x, double & y) const
@@ -129,7 +151,7 @@ bool CCoordTransformData::ConvertBack(double & x, double & y) const
     return false;
   if (m_shifts.Count() > 0)
     m_shifts.ShiftBack(x, y);
-  return m_source->FromGeodeticBase(x, y);
+  return FiniteResult(m_source->FromGeodeticBase(x, y), x, y);
 }
 
 // Point path
@@ -180,7 +202,7 @@ bool CCoordTransformData::ConvertPoint(ML::CCoordPoint const & in, ML::CCoordPoi
     done = true;
   }
   if (m_shifts.Count() == 0)
-    return way.to->FromGeodeticBase(a, out);
+    return FiniteResult(way.to->FromGeodeticBase(a, out), out);
 
   ML::CGeodeticPoint b(in.GetDimensions());
   if (done) {
@@ -193,7 +215,7 @@ bool CCoordTransformData::ConvertPoint(ML::CCoordPoint const & in, ML::CCoordPoi
   } else {
     m_shifts.ShiftBack(a, b, way.fromReference, way.toReference, way.mode, way.location);
   }
-  return way.to->FromGeodeticBase(b, out);
+  return FiniteResult(way.to->FromGeodeticBase(b, out), out);
 }
 
 bool CCoordTransformData::ConvertAhead(ML::CCoordPoint const & in, ML::CCoordPoint & out) const

@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 
 namespace Velmora::CS::VR {
 
@@ -102,6 +103,7 @@ void CSimpleGriddedData::InitializeGridFile(CString const & name) const
   if (!file)
     throw CVelmoraException(CVelmoraException::kFileNotFound, "CSimpleGriddedData::InitializeGridFile",
                             Table::kCannotOpenFile);
+  m_fileLength = std::fseek(file, 0, SEEK_END) == 0 ? std::ftell(file) : -1;
   m_file.reset(file);
   m_fileName = name;
   m_ready = true;
@@ -111,6 +113,13 @@ void CSimpleGriddedData::LoadData() const
 {
   if (!m_layout.loadWhole || !m_file)
     return;
+  // The layout comes from a data file: it must fit the grid file before
+  // anything is allocated for it.
+  if (!LayoutIsSane() ||
+      m_fileLength - m_layout.startOffset < m_layout.rows * m_layout.columns * CellSize(m_layout.cellType)) {
+    CloseGridFile();
+    throw CVelmoraException(CVelmoraException::kGridRead, "CSimpleGriddedData::LoadData", Table::kGridSizeMismatch);
+  }
   std::size_t const size = static_cast<std::size_t>(CellSize(m_layout.cellType));
   std::size_t const count = static_cast<std::size_t>(m_layout.rows) * static_cast<std::size_t>(m_layout.columns);
   std::vector<unsigned char> raw(size * count);
@@ -123,6 +132,18 @@ void CSimpleGriddedData::LoadData() const
   for (std::size_t i = 0; i < count; ++i)
     m_cells[i] = Decode(raw.data() + i * size);
   m_file.reset(); // everything is in memory now
+}
+
+bool CSimpleGriddedData::LayoutIsSane() const
+{
+  long const size = CellSize(m_layout.cellType);
+  bool const knownOrder = m_layout.order >= kNorthWestFirst && m_layout.order <= kSouthEastFirst;
+  if (!knownOrder || size == 0 || m_layout.rows <= 0 || m_layout.columns <= 0 || m_layout.startOffset < 0)
+    return false;
+  // Dividing instead of multiplying: the test itself cannot overflow.
+  long const largest = std::numeric_limits<long>::max();
+  return m_layout.rows <= largest / m_layout.columns &&
+         m_layout.rows * m_layout.columns <= (largest - m_layout.startOffset) / size;
 }
 
 double CSimpleGriddedData::Decode(unsigned char * bytes) const
@@ -143,12 +164,13 @@ double CSimpleGriddedData::Decode(unsigned char * bytes) const
 
 double CSimpleGriddedData::Cell(long row, long column) const
 {
-  long const index = CellIndex(row, column);
   if (!m_cells.empty())
-    return m_cells[static_cast<std::size_t>(index)];
+    return m_cells[static_cast<std::size_t>(CellIndex(row, column))];
   char const * const location = "CSimpleGriddedData::BilinearInterpolation";
-  if (!m_file)
+  // Before the index, which such a layout could overflow.
+  if (!m_file || !LayoutIsSane())
     throw CVelmoraException(CVelmoraException::kGridRead, location, Table::kGridReadFailure);
+  long const index = CellIndex(row, column);
   std::size_t const size = static_cast<std::size_t>(CellSize(m_layout.cellType));
   unsigned char bytes[kLargestCell];
   long const offset = m_layout.startOffset + index * static_cast<long>(size);

@@ -90,12 +90,17 @@ private:
   };
 
   double Cell(long row, long column) const;
+  // Counts and offset positive, a known order and cell type, and no offset
+  // of a cell beyond what a long holds: a layout read from a file is
+  // checked before anything is allocated or computed from it.
+  bool LayoutIsSane() const;
   double Decode(unsigned char * bytes) const;
 
   Layout m_layout;
   CString m_dataPath;
   mutable std::unique_ptr<std::FILE, FileCloser> m_file;
   mutable CString m_fileName;
+  mutable long long m_fileLength = 0;
   mutable bool m_ready = false;
   mutable std::vector<double> m_cells; // the whole raster, in file order, when loaded
 };

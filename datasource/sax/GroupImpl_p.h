@@ -87,7 +87,7 @@ Body & TGroup<Body, Data>::Entry(CString const & code)
   // A second object of the same code replaces the first, as a reader meets them.
   std::unique_ptr<Body> & slot = m_objects[code];
   if (slot)
-    Forget(slot.get());
+    RetireBody(std::move(slot));
   slot = std::make_unique<Body>();
   return *slot;
 }

@@ -4,9 +4,21 @@
 
 #include <xercesc/sax/SAXParseException.hpp>
 
+#include <QFile>
+#include <QFileInfo>
+
+#include <cstdio>
+
+#include <unistd.h>
+
 namespace Velmora::DB::SAX {
 
 using EX::CVelmoraException;
+
+namespace {
+// Beside the target while a commit writes.
+constexpr char kPartialSuffix[] = ".partial";
+} // namespace
 
 CString FromXml(XMLCh const * text)
 {
@@ -24,7 +36,12 @@ CString AttributeValue(XN::Attributes const & attributes, char16_t const * name)
 
 CXmlWriter::CXmlWriter(CString const & path) : m_path(path)
 {
-  m_file = std::fopen(path.toLocal8Bit().constData(), "wb");
+  QFileInfo const target(path);
+  QString const linked = target.isSymLink() ? target.canonicalFilePath() : QString();
+  m_target = QFile::encodeName(linked.isEmpty() ? QString(path) : linked);
+  m_partial = m_target + kPartialSuffix;
+  if (!target.isDir())
+    m_file = std::fopen(m_partial.constData(), "wb");
   if (!m_file)
     throw CVelmoraException(CVelmoraException::kReadOnlyFile, "CXmlWriter::CXmlWriter",
                             CString("Couldn't open the file <") + path + CString("> for writing"));
@@ -33,8 +50,10 @@ CXmlWriter::CXmlWriter(CString const & path) : m_path(path)
 
 CXmlWriter::~CXmlWriter()
 {
-  if (m_file)
+  if (m_file) {
     std::fclose(m_file);
+    std::remove(m_partial.constData());
+  }
 }
 
 void CXmlWriter::Put(CString const & text)
@@ -76,10 +95,19 @@ void CXmlWriter::Flush()
 void CXmlWriter::Close()
 {
   Flush();
-  int const closed = std::fclose(m_file);
+  // On the disk before it takes the place of the former file.
+  bool const synced = std::fflush(m_file) == 0 && ::fsync(::fileno(m_file)) == 0;
+  bool const closed = std::fclose(m_file) == 0;
   m_file = nullptr;
-  if (closed != 0)
-    WriteFailed();
+  if (synced && closed) {
+    QFileInfo const former(QFile::decodeName(m_target));
+    if (former.exists())
+      QFile::setPermissions(QFile::decodeName(m_partial), former.permissions());
+    if (std::rename(m_partial.constData(), m_target.constData()) == 0)
+      return;
+  }
+  std::remove(m_partial.constData());
+  WriteFailed();
 }
 
 void CXmlWriter::WriteFailed() const

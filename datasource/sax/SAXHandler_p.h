@@ -37,7 +37,10 @@ using AttributeMap = std::map<CString, CString>;
 class VELMORA_API CXmlWriter
 {
 public:
-  // Code 12 when the file cannot be opened for writing.
+  // Code 12 when the file cannot be opened for writing. The document goes
+  // to a file beside `path` that takes its place in one rename at Close, so
+  // that a failed write, a full disk or a kill at any moment before leaves
+  // the former file byte for byte; a writer destroyed unclosed removes it.
   explicit CXmlWriter(CString const & path);
   CXmlWriter(CXmlWriter const &) = delete;
   CXmlWriter & operator=(CXmlWriter const &) = delete;
@@ -52,7 +55,8 @@ public:
 
   void SetDefaultIssuer(char const * issuer) { m_defaultIssuer = CString(issuer); }
   CString const & GetDefaultIssuer() const { return m_defaultIssuer; }
-  // Flushes and closes; a failure to write raises code 3 with the path.
+  // Flushes, closes and puts the document in place of the former file; a
+  // failure to write or to replace raises code 3 with the path.
   void Close();
 
 private:
@@ -62,6 +66,8 @@ private:
 
   std::FILE * m_file = nullptr;
   CString m_path;
+  QByteArray m_target;  // the file to replace, links followed
+  QByteArray m_partial; // the document until it replaces the target
   CString m_defaultIssuer;
   int m_indent = 0;
   std::string m_buffer;

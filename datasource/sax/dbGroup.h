@@ -64,14 +64,27 @@ public:
 
   void SetValue(CString const &, TWLVariant &) override {}
 
+  // Keeps a group that this one replaces while a file is read: objects read
+  // before may refer to its bodies, so they live as long as this group.
+  void RetireGroup(std::unique_ptr<dbGroup> older) { m_retiredGroups.push_back(std::move(older)); }
+
 protected:
   // Index entries and folder place of a body about to leave.
   void Forget(CSerializableDataDB * body);
+  // A body that a file's later object of the same code replaces: out of the
+  // index and folders, but alive, since objects read before may refer to it.
+  void RetireBody(std::unique_ptr<CSerializableDataDB> body)
+  {
+    Forget(body.get());
+    m_retiredBodies.push_back(std::move(body));
+  }
 
 private:
   EObjectType m_type;
   Folders m_folders;
   Index m_index;
+  std::vector<std::unique_ptr<CSerializableDataDB>> m_retiredBodies;
+  std::vector<std::unique_ptr<dbGroup>> m_retiredGroups;
 };
 
 // The bodies of one family, keyed by "VM" code. `Data` is the family's body

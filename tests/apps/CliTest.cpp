@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 
 #include <algorithm>
+#include <array>
 #include <memory>
 
 using namespace VelmoraTest;
@@ -46,11 +47,7 @@ protected:
   {
     s_dir = std::make_unique<QTemporaryDir>();
     ASSERT_TRUE(s_dir->isValid());
-    // A commit keeps a backup in the working directory: keep it in ours.
-    QString const previous = QDir::currentPath();
-    QDir::setCurrent(s_dir->path());
     s_data = WriteSampleStore(s_dir->path(), VELMORA_SOURCE_DIR "/data/velmora.xsd");
-    QDir::setCurrent(previous);
   }
   static void TearDownTestSuite() { s_dir.reset(); }
 
@@ -267,6 +264,33 @@ TEST_F(Cli, CommandLineMistakesAreOneLineAndStatusTwo)
   ProgramRun const unknown = RunTool({"frobnicate"});
   EXPECT_EQ(unknown.exitCode, 2);
   EXPECT_TRUE(unknown.err.startsWith("velmora: unknown command 'frobnicate'\nusage:")) << Text(unknown.err);
+}
+
+// A sample file damaged where a load does not look: the conversion stops
+// before the first point, with the code of what is missing, and status 2.
+TEST_F(Cli, ADamagedDataFileStopsTheConversionWithItsCode)
+{
+  QFile sound(s_data);
+  ASSERT_TRUE(sound.open(QIODevice::ReadOnly));
+  QByteArray const bytes = sound.readAll();
+  QString const path = s_dir->filePath("damaged.xml");
+  char const * const missing = "velmora: Object to be referenced requires an identifier ";
+  for (auto const & [before, after, message] : std::initializer_list<std::array<char const *, 3>>{
+         {"<ellipsoid code=\"1\" issuer=\"VM\"/>", "<ellipsoid code=\"99\" issuer=\"VM\"/>",
+          "[CHorizontalDatumData::IsFullyDefined]: Ellipsoid\n"},
+         {"<geodeticcoordsys code=\"1\" issuer=\"VM\"/>", "<geodeticcoordsys code=\"1\"/>",
+          "[CProjectedCoordSysData::IsFullyDefined]: GeodeticBase\n"},
+         {"<semimajor code=\"1\" issuer=\"VM\">6378137</semimajor>", "",
+          "[CEllipsoidData::IsFullyDefined]: LinearUnits(SemiMajor)\n"}}) {
+    QFile damaged(path);
+    ASSERT_TRUE(damaged.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    damaged.write(QByteArray(bytes).replace(before, after));
+    damaged.close();
+    ProgramRun const run = RunTool({"convert", "--data", path, "--from", "EPSG:4326", "--to", "EPSG:32632"}, "9 45\n");
+    EXPECT_EQ(run.exitCode, 2) << before;
+    EXPECT_TRUE(run.out.isEmpty()) << Text(run.out);
+    EXPECT_EQ(Text(run.err), std::string(missing) + message);
+  }
 }
 
 // Looking things up

@@ -85,12 +85,7 @@ protected:
   {
     ASSERT_TRUE(m_dir.isValid());
     ASSERT_TRUE(QFile::copy(SourceSchema(), Path("velmora.xsd")));
-    // A commit keeps its backup in the working directory: one per test, so
-    // that tests run side by side do not share it.
-    m_previous = QDir::currentPath();
-    QDir::setCurrent(m_dir.path());
   }
-  void TearDown() override { QDir::setCurrent(m_previous); }
   CString Path(char const * name) const { return CString(m_dir.filePath(QString::fromUtf8(name))); }
   // Copies a file of the test data into the scratch directory.
   CString Stage(char const * name)
@@ -101,7 +96,6 @@ protected:
   }
 
   QTemporaryDir m_dir;
-  QString m_previous;
 };
 
 } // namespace VelmoraTest

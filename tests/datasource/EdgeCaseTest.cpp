@@ -19,23 +19,26 @@ class EdgeCases : public DataFileTest
 {
 };
 
-// A store made in memory: a metre and one ellipsoid on it.
-void PutEllipsoid(CDataSource & source)
+// A store made in memory: a metre (also TWL's "METRE" if asked) and one ellipsoid on it.
+void PutEllipsoid(CDataSource & source, char const * name = "WGS 84", char const * code = "7", double a = 6378137.0,
+                  double invF = 298.257223563, bool twlMetre = false)
 {
   source.SetLoaded(true);
   ML::CLinearUnit metre(CString("Metre"), CString("m"), 1.0);
   metre.GetIdentifiers().Add(CString("VM"), CString("1"));
+  if (twlMetre)
+    metre.GetIdentifiers().Add(CString("TWL"), CString("METRE"));
   ASSERT_TRUE(source.PutLinearUnit(metre, false));
   std::unique_ptr<ML::CLinearUnit> stored(source.GetLinearUnit(CString("1")));
-  CS::CEllipsoid wgs84;
-  wgs84.SetName(CString("WGS 84"));
-  wgs84.GetIdentifiers().Add(CString("VM"), CString("7"));
+  CS::CEllipsoid ellipsoid;
+  ellipsoid.SetName(CString(name));
+  ellipsoid.GetIdentifiers().Add(CString("VM"), CString(code));
   ML::CLinearValue axis;
   axis.SetUnits(*stored);
-  axis.SetValue(6378137.0);
-  wgs84.SetSemiMajor(axis);
-  wgs84.SetInvFlattening(298.257223563);
-  ASSERT_TRUE(source.PutEllipsoid(wgs84, false));
+  axis.SetValue(a);
+  ellipsoid.SetSemiMajor(axis);
+  ellipsoid.SetInvFlattening(invF);
+  ASSERT_TRUE(source.PutEllipsoid(ellipsoid, false));
 }
 
 TEST_F(EdgeCases, OneEllipsoidGivesEveryPluralElementInOrder)
@@ -185,21 +188,7 @@ TEST_F(EdgeCases, ForwardReferencesAreResolvedAtTheEndOfTheFile)
 TEST_F(EdgeCases, ReferencesPreferTheWritersIssuer)
 {
   CDataSource source;
-  source.SetLoaded(true);
-  ML::CLinearUnit metre(CString("Metre"), CString("m"), 1.0);
-  metre.GetIdentifiers().Add(CString("VM"), CString("1"));
-  metre.GetIdentifiers().Add(CString("TWL"), CString("METRE"));
-  ASSERT_TRUE(source.PutLinearUnit(metre, false));
-  std::unique_ptr<ML::CLinearUnit> stored(source.GetLinearUnit(CString("1")));
-  CS::CEllipsoid clarke;
-  clarke.SetName(CString("Clarke 1866"));
-  clarke.GetIdentifiers().Add(CString("VM"), CString("8"));
-  ML::CLinearValue axis;
-  axis.SetUnits(*stored);
-  axis.SetValue(6378206.4);
-  clarke.SetSemiMajor(axis);
-  clarke.SetInvFlattening(294.978698213898);
-  ASSERT_TRUE(source.PutEllipsoid(clarke, false));
+  PutEllipsoid(source, "Clarke 1866", "8", 6378206.4, 294.978698213898, true);
   source.SetFileName(Path("twl.xml"));
   ASSERT_TRUE(source.CommitToFile());
   QString const text = QString::fromUtf8(ReadAll(Path("twl.xml")));
@@ -208,5 +197,5 @@ TEST_F(EdgeCases, ReferencesPreferTheWritersIssuer)
   CDataSource reread;
   ASSERT_TRUE(reread.LoadFile(Path("twl.xml")));
   std::unique_ptr<CS::CEllipsoid> back(reread.GetEllipsoid(CString("8")));
-  EXPECT_TRUE(back->IsNearlyEqual(clarke));
+  EXPECT_TRUE(back->IsNearlyEqual(*std::unique_ptr<CS::CEllipsoid>(source.GetEllipsoid(CString("8")))));
 }

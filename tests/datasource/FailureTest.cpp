@@ -74,10 +74,10 @@ TEST_F(Failures, AMissingTargetLoadsEmptyAndStopsTheWriterWithTheFormerFileKept)
   auto const e = Raised([&] { source.CommitToFile(); });
   EXPECT_EQ(e.GetErrorCode(), CVelmoraException::kReferenceNeedsIdentifier);
   EXPECT_EQ(e.GetLocation(), CString("CHorizontalDatumData::IsFullyDefined"));
-  // The writer had begun: the backup put the file back as it was.
+  // The writer had begun on a file of its own, which is gone again.
   EXPECT_EQ(ReadAll(path), before);
   EXPECT_TRUE(source.IsLoaded());
-  EXPECT_FALSE(QFile::exists("./temp.xml"));
+  EXPECT_FALSE(QFile::exists(path + ".partial"));
 }
 
 TEST_F(Failures, PathsThatCannotBeWrittenLeaveFileAndStoreAsTheyWere)

@@ -143,7 +143,8 @@ TEST(ParameterCollection, FailuresNameTheOperationAndTheItem)
     std::vector<std::pair<char const *, int>> rows = {{"", 15}, {"nope", 27}};
     if (op.wrongType)
       rows.emplace_back(op.wrongType, 30);
-    for (auto const & [name, code] : rows) {
+    for (auto const & [rowName, code] : rows) {
+      char const * const name = rowName; // clang 14 lambdas cannot capture a structured binding
       CVelmoraException const e = Raised([&] { op.call(name); });
       EXPECT_EQ(e.GetErrorCode(), code) << op.location.toStdString() << " '" << name << "'";
       EXPECT_EQ(e.GetLocation(), op.location);

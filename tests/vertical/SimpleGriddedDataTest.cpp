@@ -155,7 +155,19 @@ TEST_F(RasterTest, ShortAndMissingFilesRaiseWithTheirTexts)
   CSimpleGriddedData whole(layout);
   whole.InitializeGridFile(CString(shortName));
   CSimpleGriddedData never(layout);
+  // Counts a hostile data file may give: checked before any allocation or index.
+  Layout huge = layout;
+  huge.rows = huge.columns = 1L << 40;
+  CSimpleGriddedData hugeWhole(huge);
+  hugeWhole.InitializeGridFile(CString(shortName));
+  huge.loadWhole = false;
+  CSimpleGriddedData hugeCellwise(huge);
+  hugeCellwise.InitializeGridFile(CString(shortName));
   ExpectFailures({
+    {"counts beyond the file", [&] { hugeWhole.LoadData(); }, 59, "CSimpleGriddedData::LoadData",
+     "Grid file data doesn't match specified size."},
+    {"counts beyond any index", [&] { hugeCellwise.BilinearInterpolation(10.0, 20.0); }, 59,
+     "CSimpleGriddedData::BilinearInterpolation", "Grid interpolation failure."},
     {"cell past the end", [&] { cellwise.BilinearInterpolation(13.0, 24.0); }, 59,
      "CSimpleGriddedData::BilinearInterpolation", "Grid interpolation failure."},
     {"whole load of a short file", [&] { whole.LoadData(); }, 59, "CSimpleGriddedData::LoadData",

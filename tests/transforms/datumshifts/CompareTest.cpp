@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "../../support/TestSupport.h"
+#include "ShiftDoubles.h"
 
 #include <memory>
 
@@ -14,17 +15,6 @@ using namespace VelmoraTest;
 using Velmora::CS::CHorizontalDatum;
 
 namespace {
-
-CHorizontalDatum Datum(double semiMajor, double inverseFlattening)
-{
-  CHorizontalDatum datum;
-  datum.GetEllipsoid().GetSemiMajor().SetValue(semiMajor);
-  datum.GetEllipsoid().SetInvFlattening(inverseFlattening);
-  return datum;
-}
-
-CHorizontalDatum const kWgs84 = Datum(6378137.0, 298.257223563);
-CHorizontalDatum const kIntl = Datum(6378388.0, 297.0);
 
 // A shift of a type between two datums, with values for its parameters by
 // name (linear and angular in internal units) and every item set.

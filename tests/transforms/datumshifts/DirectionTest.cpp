@@ -20,27 +20,18 @@ struct Lonlat
   double lon, lat;
 };
 
-Lonlat Forward(CDatumShift const & shift, double lon, double lat, bool pair)
+// Through the pair form or the point form, forward or back.
+Lonlat Shift(CDatumShift const & shift, double lon, double lat, bool pair, bool forward)
 {
-  if (pair) {
-    shift.ShiftForward(lon, lat);
-    return {lon, lat};
-  }
   CGeodeticPoint out(2);
-  shift.ShiftForward(CGeodeticPoint(lon, lat), out);
-  out.GetInternals(lon, lat);
-  return {lon, lat};
-}
-
-Lonlat Back(CDatumShift const & shift, double lon, double lat, bool pair)
-{
-  if (pair) {
-    shift.ShiftBack(lon, lat);
-    return {lon, lat};
-  }
-  CGeodeticPoint out(2);
-  shift.ShiftBack(CGeodeticPoint(lon, lat), out);
-  out.GetInternals(lon, lat);
+  if (pair)
+    forward ? shift.ShiftForward(lon, lat) : shift.ShiftBack(lon, lat);
+  else if (forward)
+    shift.ShiftForward(CGeodeticPoint(lon, lat), out);
+  else
+    shift.ShiftBack(CGeodeticPoint(lon, lat), out);
+  if (!pair)
+    out.GetInternals(lon, lat);
   return {lon, lat};
 }
 
@@ -67,7 +58,7 @@ TEST(DatumShiftDirection, ReversedSwapsTheTwoDirectionsInBothForms)
       COffsetShift shift(1.0, 2.0, "s", &log);
       shift.SetReverseUsage(row.reversed);
       EXPECT_EQ(shift.GetReverseUsage(), row.reversed);
-      Lonlat const r = row.forward ? Forward(shift, 10.0, 20.0, pair) : Back(shift, 10.0, 20.0, pair);
+      Lonlat const r = Shift(shift, 10.0, 20.0, pair, row.forward);
       EXPECT_DOUBLE_EQ(r.lon, row.lon) << pair << row.reversed << row.forward;
       EXPECT_DOUBLE_EQ(r.lat, row.lat) << pair << row.reversed << row.forward;
       ASSERT_EQ(log.size(), 1u);
@@ -95,8 +86,8 @@ TEST(DatumShiftEnvelope, DefaultEnvelopeNeverFires)
   COffsetShift shift(1000.0, 1000.0);
   EXPECT_TRUE(shift.GetEnvelope().GetAlwaysAccept());
   for (bool pair : {false, true}) {
-    EXPECT_DOUBLE_EQ(Forward(shift, 500.0, -400.0, pair).lon, 1500.0);
-    EXPECT_DOUBLE_EQ(Back(shift, 500.0, -400.0, pair).lat, -1400.0);
+    EXPECT_DOUBLE_EQ(Shift(shift, 500.0, -400.0, pair, true).lon, 1500.0);
+    EXPECT_DOUBLE_EQ(Shift(shift, 500.0, -400.0, pair, false).lat, -1400.0);
   }
 }
 
@@ -130,7 +121,7 @@ TEST(DatumShiftEnvelope, GuardsTheForwardInputSideInEachDirection)
       COffsetShift shift(5.0, 0.0);
       shift.SetEnvelope(GeodeticEnvelope(0.0, 0.0, 10.0, 10.0));
       shift.SetReverseUsage(row.reversed);
-      auto const run = [&] { row.forward ? Forward(shift, row.lon, 5.0, pair) : Back(shift, row.lon, 5.0, pair); };
+      auto const run = [&] { Shift(shift, row.lon, 5.0, pair, row.forward); };
       if (row.code == 0) {
         EXPECT_NO_THROW(run()) << row.what << " pair " << pair;
         continue;

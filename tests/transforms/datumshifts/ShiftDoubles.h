@@ -1,12 +1,24 @@
 #pragma once
 // Shifts with known behaviour, for the framework's own rules: a fixed offset
 // that records which of its directions ran.
+#include <velmora/refsys/HorizontalDatum.h>
 #include <velmora/transforms/datumshifts/DatumShift.h>
 
 #include <string>
 #include <vector>
 
 namespace VelmoraTest {
+
+// A datum on a figure of semi-major axis and inverse flattening; two of PROJ's.
+inline Velmora::CS::CHorizontalDatum Datum(double semiMajor, double inverseFlattening)
+{
+  Velmora::CS::CHorizontalDatum datum;
+  datum.GetEllipsoid().GetSemiMajor().SetValue(semiMajor);
+  datum.GetEllipsoid().SetInvFlattening(inverseFlattening);
+  return datum;
+}
+inline Velmora::CS::CHorizontalDatum const kWgs84 = Datum(6378137.0, 298.257223563);
+inline Velmora::CS::CHorizontalDatum const kIntl = Datum(6378388.0, 297.0);
 
 // Adds (dLon, dLat) from source to destination, subtracts it the other way.
 // Every call appends "<tag>+" or "<tag>-" to the shared log, if one is given.
