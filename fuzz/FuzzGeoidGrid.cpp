@@ -6,6 +6,8 @@
 #include <velmora/vertical/VerticalDatum.h>
 
 #include <QDir>
+#include "FuzzInput.h"
+
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -15,22 +17,13 @@
 #include <memory>
 
 using namespace Velmora;
+using VelmoraFuzz::Take;
 using namespace Velmora::CS::VR;
 
 namespace {
 
 QTemporaryDir * g_dir = nullptr;
 
-template <class T>
-T Take(std::uint8_t const *& data, std::size_t & size)
-{
-  T value{};
-  std::size_t const n = size < sizeof value ? size : sizeof value;
-  std::memcpy(&value, data, n);
-  data += n;
-  size -= n;
-  return value;
-}
 
 } // namespace
 

@@ -4,6 +4,8 @@
 #include <velmora/foundation/VelmoraException.h>
 #include <velmora/vertical/SimpleGriddedData.h>
 
+#include "FuzzInput.h"
+
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -12,23 +14,13 @@
 #include <cstring>
 
 using namespace Velmora;
+using VelmoraFuzz::Take;
 using CS::VR::CSimpleGriddedData;
 
 namespace {
 
 QTemporaryDir * g_dir = nullptr;
 
-// Reads the next value of the layout, zero once the input runs out.
-template <class T>
-T Take(std::uint8_t const *& data, std::size_t & size)
-{
-  T value{};
-  std::size_t const n = size < sizeof value ? size : sizeof value;
-  std::memcpy(&value, data, n);
-  data += n;
-  size -= n;
-  return value;
-}
 
 } // namespace
 

@@ -5,6 +5,8 @@
 #include <velmora/foundation/VelmoraException.h>
 #include <velmora/transforms/datumshifts/GridShifts.h>
 
+#include "FuzzInput.h"
+
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -13,21 +15,12 @@
 #include <cstring>
 
 using namespace Velmora;
+using VelmoraFuzz::Take;
 
 namespace {
 
 QTemporaryDir * g_dir = nullptr;
 
-template <class T>
-T Take(std::uint8_t const *& data, std::size_t & size)
-{
-  T value{};
-  std::size_t const n = size < sizeof value ? size : sizeof value;
-  std::memcpy(&value, data, n);
-  data += n;
-  size -= n;
-  return value;
-}
 
 QString Write(char const * name, std::uint8_t const * data, std::size_t size)
 {
