@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <random>
 #include <vector>
 
 namespace VelmoraBench {
@@ -17,6 +18,18 @@ struct XY
 {
   double x, y;
 };
+
+// `count` points drawn evenly from a box of longitudes and latitudes, with a fixed seed.
+inline std::vector<XY> PointsIn(int count, double west, double east, double south, double north, unsigned seed)
+{
+  std::vector<XY> points;
+  points.reserve(static_cast<std::size_t>(count));
+  std::mt19937_64 rng(seed);
+  std::uniform_real_distribution<double> lon(west, east), lat(south, north);
+  for (int i = 0; i < count; ++i)
+    points.push_back({lon(rng), lat(rng)});
+  return points;
+}
 
 // A projection of PROJ from its definition; the program ends if PROJ refuses it.
 inline PJ * ProjProjection(char const * definition)

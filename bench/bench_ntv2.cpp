@@ -5,52 +5,32 @@
 
 #include <benchmark/benchmark.h>
 
+#include "ProjectionBench.h"
 #include "RatioReport.h"
 #include <proj.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <random>
 #include <vector>
 
 using namespace Velmora;
 
 namespace {
 
+using VelmoraBench::XY;
+
 constexpr int kPoints = 1000000;
 char const kGrid[] = "/usr/share/proj/BETA2007.gsb";
 
-struct XY
-{
-  double x, y;
-};
-
 std::vector<XY> const & Points()
 {
-  static std::vector<XY> const points = [] {
-    std::vector<XY> p;
-    p.reserve(kPoints);
-    std::mt19937_64 rng(20261125);
-    std::uniform_real_distribution<double> lon(5.9, 15.0), lat(47.3, 55.0);
-    for (int i = 0; i < kPoints; ++i)
-      p.push_back({lon(rng), lat(rng)});
-    return p;
-  }();
+  static std::vector<XY> const points = VelmoraBench::PointsIn(kPoints, 5.9, 15.0, 47.3, 55.0, 20261125);
   return points;
 }
 
 PJ * ProjGrid()
 {
-  static PJ * const pj = [] {
-    PJ * p = proj_create(PJ_DEFAULT_CTX, "+proj=pipeline +step +proj=unitconvert +xy_in=deg +xy_out=rad "
-                                         "+step +proj=hgridshift +grids=BETA2007.gsb "
-                                         "+step +proj=unitconvert +xy_in=rad +xy_out=deg");
-    if (!p) {
-      std::fprintf(stderr, "PROJ could not open BETA2007.gsb\n");
-      std::exit(1);
-    }
-    return p;
-  }();
+  static PJ * const pj = VelmoraBench::ProjProjection("+proj=pipeline +step +proj=unitconvert +xy_in=deg +xy_out=rad "
+                                                      "+step +proj=hgridshift +grids=BETA2007.gsb "
+                                                      "+step +proj=unitconvert +xy_in=rad +xy_out=deg");
   return pj;
 }
 
@@ -77,11 +57,7 @@ void BM_Velmora_NTv2(benchmark::State & state)
 void BM_Proj_Hgridshift(benchmark::State & state)
 {
   PJ * const pj = ProjGrid();
-  VelmoraBench::TimeOnCopies(state, Points(), [pj](std::vector<XY> & pts) {
-    std::size_t const stride = sizeof(XY);
-    proj_trans_generic(pj, PJ_FWD, &pts[0].x, stride, kPoints, &pts[0].y, stride, kPoints, nullptr, 0, 0, nullptr,
-                       0, 0);
-  });
+  VelmoraBench::TimeOnCopies(state, Points(), [pj](std::vector<XY> & pts) { VelmoraBench::ProjTrans(pj, PJ_FWD, pts); });
 }
 
 BENCHMARK(BM_Velmora_NTv2)->Unit(benchmark::kMillisecond);
