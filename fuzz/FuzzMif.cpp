@@ -1,6 +1,6 @@
 // Fuzz target: arbitrary bytes as a MIF "CoordSys" clause. Every input must
 // end in a result or a library exception, never a crash. The store is the
-// data file named by VELMORA_FUZZ_DATA (the shipped one by default).
+// data file named by VELMORA_FUZZ_DATA (the build's own by default).
 #include <velmora/datasource/import/miParser.h>
 #include <velmora/velmora.h>
 
@@ -14,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const * data, size_t size)
   static Velmora::DB::CDataSource * store = [] {
     auto * s = new Velmora::DB::CDataSource;
     char const * path = std::getenv("VELMORA_FUZZ_DATA");
-    s->LoadFile(Velmora::CString(path ? path : "build/data/velmora.xml"));
+    s->LoadFile(Velmora::CString(path ? path : VELMORA_FUZZ_DEFAULT_DATA));
     return s;
   }();
   static Velmora::DB::miParser parser(store);

@@ -1,6 +1,6 @@
 // Fuzz target: arbitrary bytes as WKT text through the store's import. Every
 // input must end in a result or a library exception, never a crash. The
-// store is the data file named by VELMORA_FUZZ_DATA (the shipped one by
+// store is the data file named by VELMORA_FUZZ_DATA (the build's own by
 // default), loaded once.
 #include <velmora/velmora.h>
 
@@ -16,7 +16,7 @@ Velmora::DB::CDataSource * Store()
   static Velmora::DB::CDataSource * store = [] {
     auto * s = new Velmora::DB::CDataSource;
     char const * path = std::getenv("VELMORA_FUZZ_DATA");
-    s->LoadFile(Velmora::CString(path ? path : "build/data/velmora.xml"));
+    s->LoadFile(Velmora::CString(path ? path : VELMORA_FUZZ_DEFAULT_DATA));
     return s;
   }();
   return store;

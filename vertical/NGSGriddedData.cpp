@@ -176,9 +176,11 @@ void CNGSGriddedData::ReadHeader(CGridFile & grid) const
   bool const sane = grid.columns > 0 && grid.rows > 0 && grid.columns < (1L << 24) && grid.rows < (1L << 24) &&
                     grid.columnSpacing > 0 && grid.rowSpacing > 0 && std::isfinite(grid.west) &&
                     std::isfinite(grid.south) && std::isfinite(grid.columnSpacing) && std::isfinite(grid.rowSpacing);
+  if (!sane) // before the counts enter a product that could overflow
+    Fail(Table::kGridSizeMismatch);
   long long const expected = m_format == kTitled ? (grid.columns + 1LL) * (grid.rows + 1LL) * 4
                                                  : kBinaryHeader + grid.columns * 1LL * grid.rows * 4;
-  if (!sane || size != expected)
+  if (size != expected)
     Fail(Table::kGridSizeMismatch);
   grid.east = (grid.columns - 1) * grid.columnSpacing + grid.west;
   grid.north = (grid.rows - 1) * grid.rowSpacing + grid.south;
