@@ -42,11 +42,12 @@ TEST_F(DataFileTest, HostileFilesLoadOrFailWithTheCodeTheirNamesCarryAndQuickly)
     EXPECT_LT(timer.elapsed(), kHangGuardMs) << name.toStdString();
     EXPECT_EQ(e.GetErrorCode(), expected) << name.toStdString();
     EXPECT_EQ(source.IsLoaded(), expected == 0) << name.toStdString();
-    if (expected == 0)
+    if (expected == 0) {
       EXPECT_TRUE(source.CommitToFile(Path("written.xml"))) << name.toStdString();
-    if (expected != 0)
+    } else {
       EXPECT_EQ(e.GetLocation(), CString(expected == CVelmoraException::kInvalidValue ? "CEllipsoidDataDB::SetValue"
                                                                                        : "CDataSource::LoadFile"));
+    }
   }
 }
 
