@@ -330,11 +330,15 @@ CString ImportObjects::MatchName(CDataSource const & store, long type, CString c
 
 CS::CHorizontalDatum * ImportObjects::Datum(OGRSpatialReference const & srs)
 {
-  if (IsEpsg(srs.GetAuthorityName("GEOGCS|DATUM")))
-    if (CS::CHorizontalDatum * d =
-          m_store.GetHorizontalDatumNonThrow(CString(kEPSG), Text(srs.GetAuthorityCode("GEOGCS|DATUM"))))
-      return d;
   Figure const figure = FigureOf(srs);
+  // An authority code counts only where its datum has the figure and meridian
+  // given: GDAL names ESRI's "D_NTF" on the Paris meridian EPSG's Greenwich NTF.
+  if (IsEpsg(srs.GetAuthorityName("GEOGCS|DATUM"))) {
+    std::unique_ptr<CS::CHorizontalDatum> d(
+      m_store.GetHorizontalDatumNonThrow(CString(kEPSG), Text(srs.GetAuthorityCode("GEOGCS|DATUM"))));
+    if (d && FitsFigure(*d, figure))
+      return d.release();
+  }
   CString const name = Text(srs.GetAttrValue("DATUM"));
   double shift[7] = {};
   bool const hasShift = srs.GetTOWGS84(shift, 7) == OGRERR_NONE;
@@ -466,6 +470,16 @@ void ImportObjects::ShiftToWgs84(OGRSpatialReference const & srs, CS::CHorizonta
 
 // Systems ---------------------------------------------------------------------------
 
+ML::CAngularUnit * ImportObjects::GeographicUnit(OGRSpatialReference const & srs)
+{
+  char * unitName = nullptr;
+  double const radiansPerUnit = srs.GetAngularUnits(const_cast<char const **>(&unitName));
+  if (!(radiansPerUnit > 0.0) || !std::isfinite(radiansPerUnit))
+    Fail("miParser::BuildGeodeticSystem", CString("Invalid angular unit"));
+  return AngularUnit(Text(unitName), Constants::kRadiansPerDegree / radiansPerUnit,
+                     srs.GetAuthorityCode("GEOGCS|UNIT"));
+}
+
 CS::CGeodeticCoordSys * ImportObjects::Geodetic(OGRSpatialReference const & srs)
 {
   if (!srs.GetAttrNode("GEOGCS"))
@@ -474,16 +488,11 @@ CS::CGeodeticCoordSys * ImportObjects::Geodetic(OGRSpatialReference const & srs)
     if (CS::CGeodeticCoordSys * stored =
           m_store.GetGeodeticCoordSysNonThrow(CString(kEPSG), Text(srs.GetAuthorityCode("GEOGCS"))))
       return stored;
-  char * unitName = nullptr;
-  double const radiansPerUnit = srs.GetAngularUnits(const_cast<char const **>(&unitName));
+  std::unique_ptr<ML::CAngularUnit> unit(GeographicUnit(srs));
   Figure const figure = FigureOf(srs);
-  if (!(radiansPerUnit > 0.0) || !std::isfinite(radiansPerUnit))
-    Fail("miParser::BuildGeodeticSystem", CString("Invalid angular unit"));
   if (!(figure.a > 0.0) || !std::isfinite(figure.a) || figure.invf < 0.0 || !std::isfinite(figure.invf) ||
       !std::isfinite(figure.meridian))
     Fail("miParser::BuildGeodeticSystem", CString("Invalid ellipsoid"));
-  std::unique_ptr<ML::CAngularUnit> unit(AngularUnit(
-    Text(unitName), Constants::kRadiansPerDegree / radiansPerUnit, srs.GetAuthorityCode("GEOGCS|UNIT")));
   std::unique_ptr<CS::CHorizontalDatum> datum(Datum(srs));
   std::unique_ptr<ML::CGeodeticPoint> style(
     Stored<ML::CGeodeticPoint>(m_store, kObjectGeodeticPoint, GeodeticStyle(*unit)));
@@ -592,7 +601,7 @@ CS::PJ::CProjection * ImportObjects::Projection(OGRSpatialReference const & srs,
     p.SetLong(CString("autoset"), 0);
     return projection.release();
   }
-  std::unique_ptr<ML::CAngularUnit> degree(AngularUnit(CString("degree"), 1.0, kDegreeCode));
+  std::unique_ptr<ML::CAngularUnit> geographic(GeographicUnit(srs));
   std::map<std::string, long> const flags = {
     {"center_flag", centre}, {"azimuth_is_gamma", isGamma}, {"use_gamma_flag", useGamma}, {"unrectified_flag", 0}};
   for (long i = 0; i < p.Count(); ++i) {
@@ -602,9 +611,11 @@ CS::PJ::CProjection * ImportObjects::Projection(OGRSpatialReference const & srs,
     double const v = value(key.c_str(), key == "scale_factor" ? 1.0 : 0.0);
     switch (p.GetItemType(name)) {
     case CParameter::kAngularValue: {
+      // Kept in the geographic unit the WKT gives them in, as stored systems
+      // keep theirs, so that a grad system matches its stored self.
       ML::CAngularValue angle;
-      angle.SetUnits(*degree);
-      angle.SetValue(v * degreesPerUnit);
+      angle.SetUnits(*geographic);
+      angle.SetValue(v);
       p.SetAngularValue(name, angle);
       break;
     }

@@ -60,6 +60,8 @@ public:
 
   // Stored units and point styles, made when missing.
   ML::CAngularUnit * AngularUnit(CString const & name, double unitsPerDegree, char const * epsg);
+  // The unit the WKT gives its geographic angles in.
+  ML::CAngularUnit * GeographicUnit(OGRSpatialReference const & srs);
   ML::CLinearUnit * LinearUnit(CString const & name, double unitsPerMetre, char const * epsg);
   CString GeodeticStyle(ML::CAngularUnit const & unit);
   CString ProjectedStyle(ML::CLinearUnit const & unit);

@@ -176,14 +176,24 @@ TEST_F(Import, DatumNamesReachTheirCodesByTableAndByTokens)
 
 TEST_F(Import, ForcedMatchingReturnsTheStoredSystem)
 {
-  for (bool esri : {false, true}) {
-    CDataSource::SetWKTForceMatch(true);
-    std::unique_ptr<CS::CCoordSys> matched(store->ImportCoordSysFromString(CString(GdalWkt(32632, esri).c_str())));
-    EXPECT_EQ(matched->GetIssuerCode(CString("EPSG")), CString("32632")) << esri;
-    CDataSource::SetWKTForceMatch(false);
-    std::unique_ptr<CS::CCoordSys> built(store->ImportCoordSysFromString(CString(GdalWkt(32632, esri).c_str())));
-    EXPECT_FALSE(built->GetIdentifiers().Exists(CString("EPSG"))) << esri;
-    ExpectSamePlane(*matched, *built, 11.5, 52.0);
+  // A UTM zone, and a grad system on the Paris meridian, whose ESRI form GDAL
+  // reads with the Greenwich NTF datum's code: the import must keep Paris.
+  struct Case
+  {
+    int epsg;
+    double lon, lat;
+  } const cases[] = {{32632, 11.5, 52.0}, {27561, 2.8, 49.7}};
+  for (auto const & [epsg, lon, lat] : cases) {
+    std::unique_ptr<CS::CCoordSys> const stored(store->GetProjectedCoordSys(CString("EPSG"), CString::number(epsg)));
+    for (bool esri : {false, true}) {
+      CDataSource::SetWKTForceMatch(true);
+      std::unique_ptr<CS::CCoordSys> matched(store->ImportCoordSysFromString(CString(GdalWkt(epsg, esri).c_str())));
+      EXPECT_EQ(matched->GetIssuerCode(CString("EPSG")), CString::number(epsg)) << esri;
+      CDataSource::SetWKTForceMatch(false);
+      std::unique_ptr<CS::CCoordSys> built(store->ImportCoordSysFromString(CString(GdalWkt(epsg, esri).c_str())));
+      EXPECT_FALSE(built->GetIdentifiers().Exists(CString("EPSG"))) << esri;
+      ExpectSamePlane(*stored, *built, lon, lat);
+    }
   }
 }
 
