@@ -23,3 +23,19 @@ points=$(awk 'BEGIN {
     <(echo "$points" | awk '{ print $2, $3, 0, 0 }' | cct -d 6 +proj=vgridshift +grids=egm96_15.gtx +multiplier=1 |
       awk '{ print $3 }')
 } > "$out"
+
+# tests/data/geoid_egm96_alps.txt: the same for the Alps patch that
+# tools/make-test-grids.py copies from the gtx into the NGS formats: 40 nodes
+# and 200 points between them, at least a node inside the patch's edges.
+out=$root/tests/data/geoid_egm96_alps.txt
+points=$(awk 'BEGIN {
+  srand(11)
+  for (i = 0; i < 40; ++i) printf "0 %.2f %.2f\n", 5.25 + int(rand() * 27) * 0.25, 44.25 + int(rand() * 15) * 0.25
+  for (i = 0; i < 200; ++i) printf "1 %.6f %.6f\n", 5.25 + rand() * 6.5, 44.25 + rand() * 3.5
+}')
+{
+  echo "# kind (0 node, 1 between nodes) lon lat N: cct $(cct --version 2>&1 | head -1) +proj=vgridshift +grids=egm96_15.gtx +multiplier=1"
+  paste -d ' ' <(echo "$points" | awk '{ print $1, $2, $3 }') \
+    <(echo "$points" | awk '{ print $2, $3, 0, 0 }' | cct -d 6 +proj=vgridshift +grids=egm96_15.gtx +multiplier=1 |
+      awk '{ print $3 }')
+} > "$out"

@@ -12,7 +12,9 @@ No package ships a nested NTv2 grid or a NADCON pair, so they are made here:
   PROJ's NTv2 reader can be compared on the very same values.
 - ngs/: grids of the NGS formats (binary GEOID99 style, titled GEOID96 and
   VERTCON style) holding a biquadratic surface and a plane, which the
-  readers' windows reproduce exactly, a .par list, and damaged files.
+  readers' windows reproduce exactly, a .par list, and damaged files; and
+  EGM96's undulations over the Alps (from proj-data's egm96_15.gtx) in the
+  binary and the titled format, which PROJ's vgridshift reads as the gtx.
 - os/: an Ordnance Survey shift-record grid of a known plane with one node
   without data, and one cut short.
 - bad/: damaged and edge-case files: sub-file counts of 0, 200 and 201, a
@@ -204,6 +206,32 @@ def os_records():
     write("os/short.dat", data[:200])
 
 
+EGM96_GTX = "/usr/share/proj/egm96_15.gtx"
+EGM96_WEST, EGM96_SOUTH, EGM96_COLS, EGM96_ROWS = 5.0, 44.0, 29, 17
+
+
+def egm96_patch():
+    """EGM96 undulations of proj-data's egm96_15.gtx (a big-endian header of
+    four doubles and two ints, then 32-bit floats by rows from the south) over
+    the Alps, 5 to 12 E and 44 to 48 N, as a binary and as a titled NGS grid,
+    so that the NGS readers meet real values that PROJ reads too."""
+    with open(EGM96_GTX, "rb") as f:
+        data = f.read()
+    south, west, dlat, dlon, rows, cols = struct.unpack(">ddddii", data[:40])
+    values = {}
+    for r in range(EGM96_ROWS):
+        for c in range(EGM96_COLS):
+            lat, lon = EGM96_SOUTH + r * NGS_STEP, EGM96_WEST + c * NGS_STEP
+            i = round((lat - south) / dlat) * cols + round((lon - west) / dlon)
+            values[(round(lon, 2), round(lat, 2))] = struct.unpack(">f", data[40 + 4 * i:44 + 4 * i])[0]
+
+    def surface(lon, lat):
+        return values[(round(lon, 2), round(lat, 2))]
+    write("ngs/egm96/alps.bin", ngs_binary(EGM96_SOUTH, EGM96_WEST, EGM96_ROWS, EGM96_COLS, surface))
+    write("ngs/egm96titled/alps.geo", ngs_titled(b"GEOGRD96", EGM96_SOUTH, EGM96_WEST, EGM96_ROWS, EGM96_COLS,
+                                                 surface))
+
+
 def write(name, data):
     path = os.path.join(OUT, name)
     os.makedirs(os.path.dirname(path), exist_ok=True)
@@ -245,6 +273,7 @@ def main():
     write("bad/steep.las", las)
     write("bad/steep.los", los)
     ngs_grids()
+    egm96_patch()
     os_records()
 
 
