@@ -15,9 +15,10 @@ using P = CS::PJ::CProjection;
 
 // Datum names as ESRI, MapInfo and older WKT writers spell them, lowercased;
 // rows repeat where one datum had several regional shifts. The shift values
-// of the first rows are DMA TR 8350.2's (the values of the EPSG
-// transformations Adindan, Afgooye and Arc 1950 to WGS 84 (1)); the other
-// rows carry their name and code only, so that only a name finds them.
+// of the first rows are DMA TR 8350.2's mean solutions (Adindan's mean for
+// Ethiopia and Sudan is in no EPSG transformation; Afgooye's and Arc 1950's
+// are EPSG's "to WGS 84 (1)"); the other rows carry their name and code
+// only, so that only a name finds them.
 DatumRow const kDatums[] = {
   {"wgs_1984", "6326", 28, {0, 0, 0, 0, 0, 0, 0}, true},
   {"mif 0", "6326"},
