@@ -601,7 +601,11 @@ CS::PJ::CProjection * ImportObjects::Projection(OGRSpatialReference const & srs,
     p.SetLong(CString("autoset"), 0);
     return projection.release();
   }
-  std::unique_ptr<ML::CAngularUnit> geographic(GeographicUnit(srs));
+  // Degrees under any code are the stored systems' degree (a unit's code
+  // decides its comparison); other units are taken as the WKT names them.
+  std::unique_ptr<ML::CAngularUnit> geographic(Near(degreesPerUnit, 1.0, kUnitTolerance)
+                                                 ? AngularUnit(CString("degree"), 1.0, kDegreeCode)
+                                                 : GeographicUnit(srs));
   std::map<std::string, long> const flags = {
     {"center_flag", centre}, {"azimuth_is_gamma", isGamma}, {"use_gamma_flag", useGamma}, {"unrectified_flag", 0}};
   for (long i = 0; i < p.Count(); ++i) {
