@@ -221,7 +221,9 @@ CS::CCoordSys * miParser::FromString(CString const & text)
   char const * at = copy.c_str();
   if (srs.importFromWkt(&at) != OGRERR_NONE || !(srs.IsProjected() || srs.IsGeographic()))
     Fail(CVelmoraException::kImportFailed, "miParser::FromString", "Failed parsing WKT/PRJ String");
-  return MatchStored(FromSpatialReference(srs));
+  char const * authority = srs.GetAuthorityName(nullptr);
+  CString const epsg = authority && !std::strcmp(authority, "EPSG") ? CString(srs.GetAuthorityCode(nullptr)) : CString();
+  return MatchStored(FromSpatialReference(srs), epsg);
 }
 
 CS::CCoordSys * miParser::FromSpatialReference(OGRSpatialReference const & srs)
@@ -231,7 +233,7 @@ CS::CCoordSys * miParser::FromSpatialReference(OGRSpatialReference const & srs)
   return BuildGeodeticSystem(srs);
 }
 
-CS::CCoordSys * miParser::MatchStored(CS::CCoordSys * built)
+CS::CCoordSys * miParser::MatchStored(CS::CCoordSys * built, CString const & epsg)
 {
   std::unique_ptr<CS::CCoordSys> held(built);
   if (!CDataSource::GetWKTForceMatch())
@@ -239,16 +241,25 @@ CS::CCoordSys * miParser::MatchStored(CS::CCoordSys * built)
   // The built system itself is stored under the "WKT" issuer: a stored
   // equivalent is any other body.
   CString const own = held->GetIdentifiers().Exists(CString("VM")) ? held->GetIssuerCode(CString("VM")) : CString();
+  // EPSG keeps some systems twice under two codes: the one the text names wins.
   auto const stored = [&](CS::CCoordSys const & system) -> CS::CCoordSys * {
+    CString chosen;
     for (CSerializableDataDB * body : m_source->Equivalent(system)) {
-      CString const vm = body->GetIdentifiers().Exists(CString("VM")) ? body->GetIssuerCode(CString("VM")) : CString();
+      CIdentifierCollection const & ids = body->GetIdentifiers();
+      CString const vm = ids.Exists(CString("VM")) ? ids.GetItem(CString("VM")) : CString();
       if (vm.isEmpty() || vm == own)
         continue;
-      if (system.GetType() == CS::kProjectedCoordSys)
-        return m_source->GetProjectedCoordSys(CString("VM"), vm);
-      return m_source->GetGeodeticCoordSys(CString("VM"), vm);
+      bool const named = !epsg.isEmpty() && ids.Exists(CString("EPSG")) && ids.GetItem(CString("EPSG")) == epsg;
+      if (chosen.isEmpty() || named)
+        chosen = vm;
+      if (named)
+        break;
     }
-    return nullptr;
+    if (chosen.isEmpty())
+      return nullptr;
+    if (system.GetType() == CS::kProjectedCoordSys)
+      return m_source->GetProjectedCoordSys(CString("VM"), chosen);
+    return m_source->GetGeodeticCoordSys(CString("VM"), chosen);
   };
   if (CS::CCoordSys * found = stored(*held))
     return found;

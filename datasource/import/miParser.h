@@ -88,7 +88,8 @@ private:
   };
   void CheckSource(char const * location) const;
   CS::CCoordSys * FromSpatialReference(OGRSpatialReference const & srs);
-  CS::CCoordSys * MatchStored(CS::CCoordSys * built);
+  // `epsg`: the code the text gave the whole system, preferred among equals.
+  CS::CCoordSys * MatchStored(CS::CCoordSys * built, CString const & epsg = CString());
   CS::CCoordSys * ParseTab(CString const & file);
 
   CDataSource * m_source;
