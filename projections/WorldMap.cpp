@@ -157,7 +157,7 @@ BPlaneTerms TripelTerms(double lambda, double phi, double cosPhi1)
 constexpr int kTwoUnknownRounds = 30;
 // Plane x (unit sphere) taken as the central meridian: a pole's image is
 // 1e-16 off it.
-constexpr double kCentralMeridianWidth = 1e-12;
+constexpr double kCentralMeridianWidth = 1e-15;
 
 // Newton's method in (phi, lambda) on f1 = x(phi, lambda) - X and
 // f2 = y(phi, lambda) - Y with the 2-by-2 Jacobian (Bildirici & Ipbueker
@@ -866,11 +866,19 @@ bool CTimes::Inverse(double x, double y, double & lambda, double & phi) const
 // psi - psi1 is taken as atanh((sin phi - sin phi1)/(1 - sin phi sin phi1)),
 // the same difference without the loss of digits near phi1.
 
+// Near a pole that quotient nears +-1, where atanh loses digits; there the
+// difference of asinh(tan phi), the same psi, keeps them.
+
 namespace {
+constexpr double kAtanhLimit = 0.5;
+
 double IsometricDifference(double phi, double phi1)
 {
   double const numerator = 2.0 * std::cos(0.5 * (phi + phi1)) * std::sin(0.5 * (phi - phi1));
-  return std::atanh(std::clamp(numerator / (1.0 - std::sin(phi) * std::sin(phi1)), -1.0, 1.0));
+  double const u = numerator / (1.0 - std::sin(phi) * std::sin(phi1));
+  if (std::fabs(u) <= kAtanhLimit)
+    return std::atanh(u);
+  return std::asinh(std::tan(phi)) - std::asinh(std::tan(phi1));
 }
 } // namespace
 
@@ -946,6 +954,9 @@ bool CVanDerGrinten::Inverse(double x, double y, double & lambda, double & phi) 
 {
   double const X = x / (kPi * m_R), Y = y / (kPi * m_R);
   double const X2 = X * X, Y2 = Y * Y, r2 = X2 + Y2;
+  // The map is the disc of radius pi R.
+  if (r2 > 1.0 + kTolerance)
+    return false;
   if (std::fabs(Y) < kTolerance) {
     phi = 0.0;
     lambda = kPi * X;
@@ -988,6 +999,7 @@ constexpr int kVdg4NewtonRounds = 30;
 // the poles, radians; and the distance (unit sphere) that counts as a hit.
 constexpr double kNewtonStart = 1e-4;
 constexpr double kVdg4Fit = 1e-9;
+constexpr int kVdg4Halvings = 40;
 
 double Bfunc(double phi) { return std::fabs(2.0 * phi / kPi); }
 double Cfunc(double B) { return (8.0 * B - 2.0 * B * B - B * B * B * B - 5.0) / (2.0 * B * B * (B - 1.0)); }
@@ -1118,35 +1130,44 @@ struct BTiling
   }
 
   // Newton steps while the distance falls, from the tiling's point moved off
-  // the limiting forms, which the target is not on; true once a step is
-  // below 1e-7 radian.
-  bool TryNewtonStep()
+  // the limiting forms, which the target is not on; a step that would not
+  // bring the distance down is halved until it does (near the poles the map
+  // folds the longitudes together and full steps overshoot). Ends once a
+  // step is below 1e-7 radian.
+  bool TryNewtonStep(double l, double p)
   {
-    double l = std::fabs(lambda) < kNewtonStart ? std::copysign(kNewtonStart, X) : lambda;
-    double p = std::clamp(std::fabs(phi), kNewtonStart, kHalfPi - kNewtonStart);
-    p = std::copysign(p, Y);
+    l = std::fabs(l) < kNewtonStart ? std::copysign(kNewtonStart, X) : l;
+    p = std::copysign(std::clamp(std::fabs(p), kNewtonStart, kHalfPi - kNewtonStart), Y);
     double x, y, J[4];
     Vdg4Jacobian(l, p, x, y, J);
     double d = (x - X) * (x - X) + (y - Y) * (y - Y);
     for (int round = 0; round < kVdg4NewtonRounds; ++round) {
       double const det = J[0] * J[3] - J[1] * J[2];
-      if (det == 0.0)
-        return false;
-      double const f1 = x - X, f2 = y - Y;
-      double const dPhi = (f2 * J[1] - f1 * J[3]) / det, dLambda = (f1 * J[2] - f2 * J[0]) / det;
-      // The map's edge meridians and the poles bound the steps.
-      double const nl = std::clamp(l + dLambda, -kPi, kPi);
-      double const np = std::clamp(p + dPhi, -kTilePole, kTilePole);
-      if (!(std::isfinite(nl) && std::isfinite(np)))
-        return false;
-      Vdg4Jacobian(nl, np, x, y, J);
-      double const nd = (x - X) * (x - X) + (y - Y) * (y - Y);
-      if (!(nd < d))
+      if (!(det != 0.0 && std::isfinite(det)))
         break;
-      l = nl;
-      p = np;
-      d = nd;
-      if (std::fabs(dPhi) < kTolerance && std::fabs(dLambda) < kTolerance)
+      double const f1 = x - X, f2 = y - Y;
+      double dPhi = (f2 * J[1] - f1 * J[3]) / det, dLambda = (f1 * J[2] - f2 * J[0]) / det;
+      bool fell = false;
+      double taken = 0.0;
+      for (int half = 0; half < kVdg4Halvings && !fell; ++half, dPhi *= 0.5, dLambda *= 0.5) {
+        // The map's edge meridians and the poles bound the steps.
+        double const nl = std::clamp(l + dLambda, -kPi, kPi);
+        double const np = std::clamp(p + dPhi, -kTilePole, kTilePole);
+        double nx, ny, nJ[4];
+        Vdg4Jacobian(nl, np, nx, ny, nJ);
+        double const nd = (nx - X) * (nx - X) + (ny - Y) * (ny - Y);
+        if (nd < d) {
+          fell = true;
+          taken = std::max(std::fabs(dPhi), std::fabs(dLambda));
+          l = nl;
+          p = np;
+          d = nd;
+          x = nx;
+          y = ny;
+          std::copy(nJ, nJ + 4, J);
+        }
+      }
+      if (!fell || taken < kTolerance)
         break;
     }
     if (!(d < best))
@@ -1187,7 +1208,14 @@ bool CVanDerGrintenIV::Inverse(double x, double y, double & lambda, double & phi
     cellLambda *= kTileShrink;
     cellPhi *= kTileShrink;
   }
-  if (!tiling.TryNewtonStep())
+  // Near the poles the map draws the meridians together and the tiles may
+  // settle on the wrong one: Newton's method then starts again from the
+  // tiles' latitude on a few meridians on the target's side.
+  bool hit = tiling.TryNewtonStep(tiling.lambda, tiling.phi);
+  double const phi0 = tiling.phi;
+  for (double const quarter : {1.0, 2.0, 3.0, 4.0})
+    hit = hit || tiling.TryNewtonStep(std::copysign(quarter * kQuarterPi, x), phi0);
+  if (!hit)
     return false;
   lambda = tiling.lambda;
   phi = tiling.phi;
