@@ -1,6 +1,7 @@
 #pragma once
 #include <ostream>
 // Helpers the test programs share.
+#include <velmora/datasource/CDataSource.h>
 #include <velmora/foundation/VelmoraException.h>
 
 #include <gtest/gtest.h>
@@ -57,5 +58,19 @@ inline void ExpectFailures(std::vector<FailureRow> const & rows)
     EXPECT_EQ(e.GetDetails(), Velmora::CString(row.details)) << row.what;
   }
 }
+
+// Sets the data source's process-wide cartographic flag for one test and puts it back.
+class CartographicFlag
+{
+public:
+  explicit CartographicFlag(bool on) : m_old(Velmora::DB::CDataSource::GetCartographicFlag())
+  {
+    Velmora::DB::CDataSource::SetCartographicFlag(on);
+  }
+  ~CartographicFlag() { Velmora::DB::CDataSource::SetCartographicFlag(m_old); }
+
+private:
+  bool m_old;
+};
 
 } // namespace VelmoraTest

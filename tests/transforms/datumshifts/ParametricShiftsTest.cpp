@@ -127,19 +127,7 @@ void ExpectAgreement(CDatumShift const & shift, char const * file, bool forward,
   std::printf("[ against PROJ ] %-58s max %.2e deg, %.2e m\n", what, worstAngle, worstHeight);
 }
 
-// Sets the process-wide flag for one test and puts it back.
-class CartographicFlag
-{
-public:
-  explicit CartographicFlag(bool on) : m_old(DB::CDataSource::GetCartographicFlag())
-  {
-    DB::CDataSource::SetCartographicFlag(on);
-  }
-  ~CartographicFlag() { DB::CDataSource::SetCartographicFlag(m_old); }
-
-private:
-  bool m_old;
-};
+using VelmoraTest::CartographicFlag;
 
 } // namespace
 
