@@ -196,6 +196,51 @@ void BStereographic::Inverse(double x, double y, double & lambda, double & phi, 
     phi = -phi;
 }
 
+bool BStereographic::ToGrid(double & x, double & y) const
+{
+  if (!Forward(x * kRadiansPerDegree, y * kRadiansPerDegree, x, y))
+    return false;
+  turn.Apply(x, y);
+  x += fe;
+  y += fn;
+  return true;
+}
+
+bool BStereographic::FromGrid(double x, double y, double & dx, double & dy) const
+{
+  dx = x - fe;
+  dy = y - fn;
+  turn.Undo(dx, dy);
+  return std::hypot(dx, dy) >= kCentreTolerance;
+}
+
+namespace {
+
+// The stereographic classes' set-up from their parameters on the datum's
+// figure, the centre at phi0; false without a datum.
+bool SetUp(BStereographic & s, BEllipsoid const * figure, CParameterCollection const & p, double phi0)
+{
+  Centre const c = ReadCentre(p);
+  s.fe = c.fe;
+  s.fn = c.fn;
+  s.phi0 = phi0;
+  if (figure)
+    s.Set(figure->GetSemiMajor(), figure->GetEccentricitySquared(), phi0, c.lam0, p.GetDouble(CString(kScaleFactor)));
+  return figure != nullptr;
+}
+
+// Grid metres to degrees by Newton's inverse; the centre within 1e-7 of it.
+bool GridToDegrees(BStereographic const & s, double & x, double & y)
+{
+  double dx, dy, lambda = s.lam0, phi = s.phi0;
+  if (s.FromGrid(x, y, dx, dy))
+    s.Inverse(dx, dy, lambda, phi, kIterationTolerance, kStereographicRounds);
+  ToDegrees(lambda, phi, x, y);
+  return true;
+}
+
+} // namespace
+
 // CStereographic
 
 void CStereographic::OnChange(unsigned short const *)
@@ -203,41 +248,18 @@ void CStereographic::OnChange(unsigned short const *)
   if (!ParametersReady(kStereographicCount))
     return;
   CParameterCollection const & p = std::as_const(*this).GetParameters();
-  Centre const c = ReadCentre(p);
-  m_phi0 = c.phi0;
-  m_fe = c.fe;
-  m_fn = c.fn;
-  m_turn.Set(Radians(p, kPlaneRotation));
-  BEllipsoid const * figure = GetInnerEllipsoid();
-  m_ready = figure != nullptr;
-  if (figure)
-    m_s.Set(figure->GetSemiMajor(), figure->GetEccentricitySquared(), c.phi0, c.lam0,
-            p.GetDouble(CString(kScaleFactor)));
+  m_s.turn.Set(Radians(p, kPlaneRotation));
+  m_ready = SetUp(m_s, GetInnerEllipsoid(), p, Radians(p, kLatitudeOfOrigin));
 }
 
 bool CStereographic::ToPlane(double & x, double & y) const
 {
-  if (!GetParameters().AllItemsSet() || !m_ready)
-    return false;
-  if (!m_s.Forward(x * kRadiansPerDegree, y * kRadiansPerDegree, x, y))
-    return false;
-  m_turn.Apply(x, y);
-  x += m_fe;
-  y += m_fn;
-  return true;
+  return GetParameters().AllItemsSet() && m_ready && m_s.ToGrid(x, y);
 }
 
 bool CStereographic::FromPlane(double & x, double & y) const
 {
-  if (!GetParameters().AllItemsSet() || !m_ready)
-    return false;
-  double dx = x - m_fe, dy = y - m_fn;
-  m_turn.Undo(dx, dy);
-  double lambda = m_s.lam0, phi = m_phi0;
-  if (std::hypot(dx, dy) >= kCentreTolerance)
-    m_s.Inverse(dx, dy, lambda, phi, kIterationTolerance, kStereographicRounds);
-  ToDegrees(lambda, phi, x, y);
-  return true;
+  return GetParameters().AllItemsSet() && m_ready && GridToDegrees(m_s, x, y);
 }
 
 // CPolarStereographic
@@ -247,39 +269,20 @@ void CPolarStereographic::OnChange(unsigned short const *)
   if (!ParametersReady(kFiveCount))
     return;
   CParameterCollection const & p = std::as_const(*this).GetParameters();
-  Centre const c = ReadCentre(p);
-  m_fe = c.fe;
-  m_fn = c.fn;
-  BEllipsoid const * figure = GetInnerEllipsoid();
-  m_ready = figure != nullptr;
-  if (!figure)
-    return;
-  double const k = p.GetDouble(CString(kScaleFactor));
-  m_s.Set(figure->GetSemiMajor(), figure->GetEccentricitySquared(), c.phi0 < 0.0 ? -kHalfPi : kHalfPi, c.lam0, k);
-  m_s.SetTrueScale(c.phi0, k);
+  double const phic = Radians(p, kLatitudeOfOrigin);
+  m_ready = SetUp(m_s, GetInnerEllipsoid(), p, phic < 0.0 ? -kHalfPi : kHalfPi);
+  if (m_ready)
+    m_s.SetTrueScale(phic, p.GetDouble(CString(kScaleFactor)));
 }
 
 bool CPolarStereographic::ToPlane(double & x, double & y) const
 {
-  if (!GetParameters().AllItemsSet() || !m_ready)
-    return false;
-  if (!m_s.Forward(x * kRadiansPerDegree, y * kRadiansPerDegree, x, y))
-    return false;
-  x += m_fe;
-  y += m_fn;
-  return true;
+  return GetParameters().AllItemsSet() && m_ready && m_s.ToGrid(x, y);
 }
 
 bool CPolarStereographic::FromPlane(double & x, double & y) const
 {
-  if (!GetParameters().AllItemsSet() || !m_ready)
-    return false;
-  double const dx = x - m_fe, dy = y - m_fn;
-  double lambda = m_s.lam0, phi = m_s.pole * kHalfPi;
-  if (std::hypot(dx, dy) >= kCentreTolerance)
-    m_s.Inverse(dx, dy, lambda, phi, kIterationTolerance, kStereographicRounds);
-  ToDegrees(lambda, phi, x, y);
-  return true;
+  return GetParameters().AllItemsSet() && m_ready && GridToDegrees(m_s, x, y);
 }
 
 // CEuropeanStereographic
@@ -289,16 +292,10 @@ void CEuropeanStereographic::OnChange(unsigned short const *)
   if (!ParametersReady(kFiveCount))
     return;
   CParameterCollection const & p = std::as_const(*this).GetParameters();
-  Centre const c = ReadCentre(p);
-  m_phi0 = c.phi0;
-  m_fe = c.fe;
-  m_fn = c.fn;
   BEllipsoid const * figure = GetInnerEllipsoid();
-  m_ready = figure != nullptr;
-  if (!figure)
+  m_ready = SetUp(m_s, figure, p, Radians(p, kLatitudeOfOrigin));
+  if (!m_ready)
     return;
-  m_s.Set(figure->GetSemiMajor(), figure->GetEccentricitySquared(), c.phi0, c.lam0,
-          p.GetDouble(CString(kScaleFactor)));
   auto const series = Kernel::ConformalSeries::Make(figure->GetEccentricitySquared());
   m_c2 = series.c2;
   m_c4 = series.c4;
@@ -308,22 +305,15 @@ void CEuropeanStereographic::OnChange(unsigned short const *)
 
 bool CEuropeanStereographic::ToPlane(double & x, double & y) const
 {
-  if (!GetParameters().AllItemsSet() || !m_ready)
-    return false;
-  if (!m_s.Forward(x * kRadiansPerDegree, y * kRadiansPerDegree, x, y))
-    return false;
-  x += m_fe;
-  y += m_fn;
-  return true;
+  return GetParameters().AllItemsSet() && m_ready && m_s.ToGrid(x, y);
 }
 
 bool CEuropeanStereographic::FromPlane(double & x, double & y) const
 {
   if (!GetParameters().AllItemsSet() || !m_ready)
     return false;
-  double const dx = x - m_fe, dy = y - m_fn;
-  double lambda = m_s.lam0, phi = m_phi0;
-  if (std::hypot(dx, dy) >= kCentreTolerance) {
+  double dx, dy, lambda = m_s.lam0, phi = m_s.phi0;
+  if (m_s.FromGrid(x, y, dx, dy)) {
     double chi;
     m_s.ToConformal(dx, dy, lambda, chi);
     phi = Kernel::ConformalSeries{m_c2, m_c4, m_c6, m_c8}.Latitude(chi);

@@ -31,7 +31,8 @@ struct BPlaneTurn
 struct BStereographic
 {
   double a = 0.0, e = 0.0, e2 = 0.0;
-  double lam0 = 0.0;
+  double lam0 = 0.0, phi0 = 0.0, fe = 0.0, fn = 0.0;
+  BPlaneTurn turn;
   int pole = 0;   // 1 north polar, -1 south polar, 0 oblique or equatorial
   double akm1 = 0.0;
   double sinChi1 = 0.0, cosChi1 = 1.0;
@@ -49,6 +50,11 @@ struct BStereographic
   // Metres to longitude and latitude, chi to phi by Newton on the isometric
   // latitude, stopping at `tolerance` or after `rounds`.
   void Inverse(double x, double y, double & lambda, double & phi, double tolerance, int rounds) const;
+  // Degrees to grid metres: Forward, the turn, the false origin.
+  bool ToGrid(double & x, double & y) const;
+  // Grid metres to offsets about the centre with the turn undone; false
+  // within 1e-7 of the centre.
+  bool FromGrid(double x, double y, double & dx, double & dy) const;
 };
 
 // Stereographic, oblique, equatorial or polar, on a sphere or the
@@ -68,8 +74,6 @@ public:
 
 private:
   BStereographic m_s;
-  BPlaneTurn m_turn;
-  double m_phi0 = 0.0, m_fe = 0.0, m_fn = 0.0;
   bool m_ready = false;
 };
 
@@ -120,7 +124,6 @@ public:
 
 private:
   BStereographic m_s;
-  double m_fe = 0.0, m_fn = 0.0;
   bool m_ready = false;
 };
 
@@ -142,7 +145,6 @@ public:
 private:
   BStereographic m_s;
   double m_c2 = 0.0, m_c4 = 0.0, m_c6 = 0.0, m_c8 = 0.0; // the conformal series
-  double m_phi0 = 0.0, m_fe = 0.0, m_fn = 0.0;
   bool m_ready = false;
 };
 

@@ -29,23 +29,7 @@
 # N = -x sin r + y cos r) taken by +proj=affine after the false origin's
 # values @fe@ and @fn@; @nofigure@ leaves the figure out of PROJ's options.
 # Usage: scripts/gen-azimuthal-refs.sh [out-dir]
-set -euo pipefail
-root=$(cd "$(dirname "$0")/.." && pwd)
-out=${1:-$root/tests/data}
-mkdir -p "$out"
-command -v cct > /dev/null || { echo "missing cct (proj-bin)" >&2; exit 1; }
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-
-# Figures: name a rf (rf 0: sphere).
-declare -A A RF
-A[wgs84]=6378137;          RF[wgs84]=298.257223563
-A[grs80]=6378137;          RF[grs80]=298.257222101
-A[intl1924]=6378388;       RF[intl1924]=297
-A[bessel1841]=6377397.155; RF[bessel1841]=299.1528128
-A[krassowsky]=6378245;     RF[krassowsky]=298.3
-A[clarke1866]=6378206.4;   RF[clarke1866]=294.978698213898
-A[sphere]=6371000;         RF[sphere]=0
+. "$(dirname "$0")/refs-common.sh"
 
 # Points about a centre: seed lon0 lat0 dlon dlat -> "lon lat" lines, the
 # centre among them; latitudes beyond 89.5 are folded back.
@@ -59,11 +43,6 @@ points() {
     for (i = 0; i < 80; i++) put(cm + (2 * rnd() - 1) * dl, lat0 + (2 * rnd() - 1) * db)
     printf "%.10f %.10f\n", cm, lat0
   }'
-}
-
-figure_args() {
-  local a=${A[$1]} rf=${RF[$1]}
-  if [ "$rf" = 0 ]; then echo "+R=$a"; else echo "+a=$a +rf=$rf"; fi
 }
 
 # The value of the named column in a set.
