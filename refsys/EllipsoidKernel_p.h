@@ -261,4 +261,38 @@ struct HelmertArc
   }
 };
 
+// Azimuthal family: the conformal t from the sine, and its inverse by Newton.
+
+// t = tan(pi/4 - phi/2) ((1 + e sin phi)/(1 - e sin phi))^(e/2) (Snyder 15-9),
+// from the sine alone as sqrt((1 - s)/(1 + s)) exp(e atanh(e s)).
+inline double ConformalTFromSine(EAtanhE const & eatanhe, double s)
+{
+  return std::sqrt((1.0 - s) / (1.0 + s)) * ExpNearZero(eatanhe(s));
+}
+
+// The latitude whose t is given, as u = tan(pi/4 - phi/2), by Newton's method
+// on g(u) = u - t exp(-e atanh(e sin phi)), sin phi = (1 - u^2)/(1 + u^2):
+// the same root as the fixed point of Snyder 7-9 (the isometric latitude
+// psi = -ln t solved for phi, as EPSG Guidance Note 7-2 does by Newton for
+// method 9809), converging quadratically. g'(u) = 1 - 4 u w f'(s)/(1 + u^2)^2,
+// w = t exp(-f(s)), f'(s) = e2/(1 - e2 s^2). Stops when a step in phi
+// (twice the step in u over 1 + u^2, to first order) is at most `tolerance`,
+// or after `rounds`.
+inline double ConformalTangentByNewton(EAtanhE const & eatanhe, double t, double tolerance, int rounds)
+{
+  double const e2 = eatanhe.e * eatanhe.e;
+  double u = t;
+  for (int i = 0; i < rounds; ++i) {
+    double const u2 = u * u, d = 1.0 + u2;
+    double const s = (1.0 - u2) / d;
+    double const w = t * ExpNearZero(-eatanhe(s));
+    double const slope = 1.0 - 4.0 * u * w * e2 / ((1.0 - e2 * s * s) * d * d);
+    double const step = (u - w) / slope;
+    u -= step;
+    if (2.0 * std::fabs(step) <= tolerance * d)
+      break;
+  }
+  return u;
+}
+
 } // namespace Velmora::CS::Kernel

@@ -17,23 +17,7 @@
 # latitudes from 10 degrees beyond the cone's far parallel to 84 degrees on
 # its own side. The output is committed; run this again only to change it.
 # Usage: scripts/gen-conic-refs.sh [out-dir]
-set -euo pipefail
-root=$(cd "$(dirname "$0")/.." && pwd)
-out=${1:-$root/tests/data}
-mkdir -p "$out"
-command -v cct > /dev/null || { echo "missing cct (proj-bin)" >&2; exit 1; }
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-
-# Figures: name a rf (rf 0: sphere).
-declare -A A RF
-A[wgs84]=6378137;          RF[wgs84]=298.257223563
-A[grs80]=6378137;          RF[grs80]=298.257222101
-A[clarke1866]=6378206.4;   RF[clarke1866]=294.978698213898
-A[intl1924]=6378388;       RF[intl1924]=297
-A[bessel1841]=6377397.155; RF[bessel1841]=299.1528128
-A[clarke1880ign]=6378249.2; RF[clarke1880ign]=293.466021293627
-A[sphere]=6371000;         RF[sphere]=0
+. "$(dirname "$0")/refs-common.sh"
 
 # Points for one parameter set: seed cm side(1 north, -1 south) -> "lon lat" lines.
 points() {
@@ -46,11 +30,6 @@ points() {
     for (i = 0; i < 10; i++) put((2 * rnd() - 1) * 60, 10 + 70 * rnd())
     put(0, 0); put(0, 45); put(3, 30); put(-3, 60); put(0, 84)
   }'
-}
-
-figure_args() {
-  local a=${A[$1]} rf=${RF[$1]}
-  if [ "$rf" = 0 ]; then echo "+R=$a"; else echo "+a=$a +rf=$rf"; fi
 }
 
 # write <file> <columns> <proj options, with @n@ for column n of the set> then sets on stdin:

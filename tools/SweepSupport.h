@@ -38,8 +38,14 @@ inline bool IsSeriesMethod(std::string const & method)
 // is below 1e-7 radian, as the library's conic is specified: it leaves up to
 // 2.7e-8 degree (measured against PROJ over the cone), judged here at this.
 constexpr double kLambertInverse = 4e-8;
+// The Lambert azimuthal equal-area inverse takes the latitude from the
+// authalic latitude by the series to e^6, as the library's type is
+// specified: it leaves up to 1.44e-8 degree (measured against PROJ).
+constexpr double kAuthalicSeriesInverse = 1.5e-8;
 inline double InverseTolerance(std::string const & method)
 {
+  if (method == "9820" || method == "1027")
+    return kAuthalicSeriesInverse;
   return method == "9801" || method == "9802" || method == "9803" ? kLambertInverse : kInverseTolerance;
 }
 

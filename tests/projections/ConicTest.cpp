@@ -13,34 +13,14 @@ using Velmora::CString;
 using Velmora::ML::CAngularValue;
 using Velmora::ML::CProjectedPoint;
 using namespace Velmora::CS::PJ;
+using VelmoraTest::Dms;
+using VelmoraTest::Example;
 using VelmoraTest::MakeDatum;
+using VelmoraTest::Parameters;
 
 namespace {
 
 constexpr double kUsFoot = 0.3048006096012;
-
-double Dms(double d, double m, double s) { return d < 0 ? d - m / 60 - s / 3600 : d + m / 60 + s / 3600; }
-
-using Parameters = std::vector<std::pair<char const *, double>>;
-
-std::unique_ptr<CProjection> Make(CProjection::Type type, Velmora::CS::CHorizontalDatum * datum,
-                                  Parameters const & parameters)
-{
-  std::unique_ptr<CProjection> p(CProjectionFactory::CreateProjection(type, datum));
-  for (auto const & [name, value] : parameters)
-    VelmoraTest::SetParameter(*p, name, value);
-  return p;
-}
-
-struct Example
-{
-  char const * what;
-  CProjection::Type type;
-  double a, rf;
-  Parameters parameters;
-  double lon, lat, east, north; // degrees; metres
-  double metres, degrees;       // half the last printed digit
-};
 
 } // namespace
 
@@ -70,19 +50,7 @@ TEST(Conic, PublishedExamples)
       {"standard_parallel2", 45.5}, {"false_easting", 0}, {"false_northing", 0}},
      -75, 35, 1885472.7, 1535925.0, 0.05, 6e-7},
   };
-  for (Example const & e : examples) {
-    auto datum = MakeDatum(e.a, e.rf);
-    auto p = Make(e.type, datum.get(), e.parameters);
-    double x = e.lon, y = e.lat;
-    ASSERT_TRUE(p->ToPlane(x, y)) << e.what;
-    EXPECT_NEAR(x, e.east, e.metres) << e.what;
-    EXPECT_NEAR(y, e.north, e.metres) << e.what;
-    x = e.east;
-    y = e.north;
-    ASSERT_TRUE(p->FromPlane(x, y)) << e.what;
-    EXPECT_NEAR(x, e.lon, e.degrees) << e.what;
-    EXPECT_NEAR(y, e.lat, e.degrees) << e.what;
-  }
+  VelmoraTest::ExpectExamples(examples);
 }
 
 // Where t is 0 the cone's apex is the pole: with the origin there it maps to
@@ -108,7 +76,7 @@ TEST(Conic, PolesMapToTheApexAndBack)
                      {CProjection::kLambertConformalConic, southern, -90},
                      {CProjection::kAlbersEqualArea, albers, 90}};
   for (Case const & c : cases) {
-    auto p = Make(c.type, datum.get(), c.parameters);
+    auto p = VelmoraTest::MakeProjection(c.type, datum.get(), c.parameters);
     double x = 30, y = c.pole;
     ASSERT_TRUE(p->ToPlane(x, y));
     double const apexX = x, apexY = y;
@@ -127,7 +95,7 @@ TEST(Conic, KeptConvergenceAndScaleMatchTheNumericForms)
 {
   auto datum = MakeDatum(6378137, 298.257222101);
   for (double side : {1.0, -1.0}) {
-    auto const p = Make(CProjection::kLambertConformalConic, datum.get(),
+    auto const p = VelmoraTest::MakeProjection(CProjection::kLambertConformalConic, datum.get(),
                         {{"latitude_of_origin", 46.5 * side}, {"central_meridian", 3},
                          {"standard_parallel1", 49 * side}, {"standard_parallel2", 44 * side},
                          {"false_easting", 700000}, {"false_northing", 6600000}});

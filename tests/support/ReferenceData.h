@@ -14,6 +14,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace VelmoraTest {
@@ -169,6 +170,50 @@ inline void ExpectReference(Velmora::CS::PJ::CProjection & p, std::string const 
   EXPECT_LE(worst.forward, metres) << name;
   EXPECT_LE(worst.inverse, degrees) << name;
   EXPECT_LE(worst.roundTrip, degrees) << name;
+}
+
+// Degrees from degrees, minutes and seconds, all taking the sign of the degrees.
+inline double Dms(double d, double m, double s) { return d < 0 ? d - m / 60 - s / 3600 : d + m / 60 + s / 3600; }
+
+// A projection's parameters by name, in degrees, metres or plain numbers.
+using Parameters = std::vector<std::pair<char const *, double>>;
+
+inline std::unique_ptr<Velmora::CS::PJ::CProjection> MakeProjection(Velmora::CS::PJ::CProjection::Type type,
+                                                                    Velmora::CS::CHorizontalDatum * datum,
+                                                                    Parameters const & parameters)
+{
+  std::unique_ptr<Velmora::CS::PJ::CProjection> p(Velmora::CS::PJ::CProjectionFactory::CreateProjection(type, datum));
+  for (auto const & [name, value] : parameters)
+    SetParameter(*p, name, value);
+  return p;
+}
+
+// A published worked example: the point both ways within half its last printed digit.
+struct Example
+{
+  char const * what;
+  Velmora::CS::PJ::CProjection::Type type;
+  double a, rf;
+  Parameters parameters;
+  double lon, lat, east, north; // degrees; metres
+  double metres, degrees;
+};
+
+inline void ExpectExamples(std::vector<Example> const & examples)
+{
+  for (Example const & e : examples) {
+    auto datum = MakeDatum(e.a, e.rf);
+    auto p = MakeProjection(e.type, datum.get(), e.parameters);
+    double x = e.lon, y = e.lat;
+    ASSERT_TRUE(p->ToPlane(x, y)) << e.what;
+    EXPECT_NEAR(x, e.east, e.metres) << e.what;
+    EXPECT_NEAR(y, e.north, e.metres) << e.what;
+    x = e.east;
+    y = e.north;
+    ASSERT_TRUE(p->FromPlane(x, y)) << e.what;
+    EXPECT_NEAR(x, e.lon, e.degrees) << e.what;
+    EXPECT_NEAR(y, e.lat, e.degrees) << e.what;
+  }
 }
 
 } // namespace VelmoraTest

@@ -654,6 +654,16 @@ bool Builder::ProjectedCrs(std::string const & code)
     }
   }
 
+  if (MovesFalseOriginToPole(c.method)) {
+    CS::BEllipsoid const & figure = datum->GetEllipsoid().GetInner();
+    double const phiF = p.GetItemInternal(CString("latitude_of_origin")) * Constants::kRadiansPerDegree;
+    double const s = std::sin(phiF);
+    double const rhoF =
+      figure.GetSemiMajor() * std::cos(phiF) / std::sqrt(1.0 - figure.GetEccentricitySquared() * s * s);
+    double const nf = p.GetItemInternal(CString("false_northing"));
+    p.SetItemInternal(CString("false_northing"), phiF < 0.0 ? nf - rhoF : nf + rhoF);
+  }
+
   std::vector<std::string> const & extents = m_registry.ExtentsOf("projected_crs", code);
   CString const area = Envelope(extents);
   std::unique_ptr<ML::CProjectedPoint> pointStyle(Stored<ML::CProjectedPoint>(kObjectProjectedPoint, style));

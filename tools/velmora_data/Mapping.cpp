@@ -106,6 +106,11 @@ std::vector<ProjectionMethod> const kProjections = {
    Axes::kPolar,
    {From("central_meridian", kLonOrigin), From("latitude_of_origin", kLatStandard), Fixed("scale_factor", 1.0),
     From("false_easting", kFalseEasting), From("false_northing", kFalseNorthing)}},
+  {"9830", // the false northing is moved to the pole by the builder: see MovesFalseOriginToPole
+   CProjection::kPolarStereographic,
+   Axes::kPolar,
+   {From("central_meridian", kLonOrigin), From("latitude_of_origin", kLatStandard), Fixed("scale_factor", 1.0),
+    From("false_easting", kEastingFalse), From("false_northing", kNorthingFalse)}},
   {"9809",
    CProjection::kDoubleStereographic,
    Axes::kEastNorth,
@@ -128,6 +133,14 @@ std::vector<ProjectionMethod> const kProjections = {
     From("scale_factor", kScalePseudo), From("false_easting", kFalseEasting),
     From("false_northing", kFalseNorthing)}},
   {"9820",
+   CProjection::kAzimuthalEqualArea,
+   Axes::kPolar,
+   {From("central_meridian", kLonNatural), From("latitude_of_origin", kLatNatural),
+    From("false_easting", kFalseEasting), From("false_northing", kFalseNorthing),
+    Fixed("xy_plane_rotation", 0.0)}},
+  // The spherical form on a datum whose figure is the sphere itself: the
+  // authalic radius of a sphere is its radius.
+  {"1027",
    CProjection::kAzimuthalEqualArea,
    Axes::kPolar,
    {From("central_meridian", kLonNatural), From("latitude_of_origin", kLatNatural),
@@ -203,6 +216,8 @@ ProjectionMethod const * FindProjectionMethod(std::string const & epsgMethod)
 std::vector<ProjectionMethod> const & ProjectionMethods() { return kProjections; }
 
 ShiftMethod const * FindShiftMethod(std::string const & epsgMethod) { return Find(kShifts, epsgMethod); }
+
+bool MovesFalseOriginToPole(std::string const & epsgMethod) { return epsgMethod == "9830"; }
 
 std::vector<ShiftMethod> const & ShiftMethods() { return kShifts; }
 

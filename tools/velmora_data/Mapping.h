@@ -53,6 +53,14 @@ struct ShiftMethod
   ShiftKind kind;
 };
 
+// Polar stereographic variant C gives the grid values of its false origin,
+// on the standard parallel phiF at the longitude of origin; the type counts
+// them from the pole, whose northing is NF - rhoF in the south and NF + rhoF
+// in the north, rhoF = a mF = a cos phiF / sqrt(1 - e2 sin^2 phiF) (EPSG
+// Guidance Note 7-2, method 9830). True for the methods whose false northing
+// the builder moves so, on the figure of the system's datum.
+bool MovesFalseOriginToPole(std::string const & epsgMethod);
+
 ShiftMethod const * FindShiftMethod(std::string const & epsgMethod);
 std::vector<ShiftMethod> const & ShiftMethods();
 
