@@ -1,6 +1,6 @@
 // The conics on their published worked examples and at the edges of their
 // domain: the pole, and the convergence and scale kept by a conversion.
-#include "../support/ReferenceData.h"
+#include "../support/ProjectionExamples.h"
 #include "../support/TestSupport.h"
 
 #include <velmora/projections/Conic.h>
@@ -13,36 +13,9 @@ using Velmora::CString;
 using Velmora::ML::CAngularValue;
 using Velmora::ML::CProjectedPoint;
 using namespace Velmora::CS::PJ;
-using VelmoraTest::MakeDatum;
-
-namespace {
+using namespace VelmoraTest;
 
 constexpr double kUsFoot = 0.3048006096012;
-
-double Dms(double d, double m, double s) { return d < 0 ? d - m / 60 - s / 3600 : d + m / 60 + s / 3600; }
-
-using Parameters = std::vector<std::pair<char const *, double>>;
-
-std::unique_ptr<CProjection> Make(CProjection::Type type, Velmora::CS::CHorizontalDatum * datum,
-                                  Parameters const & parameters)
-{
-  std::unique_ptr<CProjection> p(CProjectionFactory::CreateProjection(type, datum));
-  for (auto const & [name, value] : parameters)
-    VelmoraTest::SetParameter(*p, name, value);
-  return p;
-}
-
-struct Example
-{
-  char const * what;
-  CProjection::Type type;
-  double a, rf;
-  Parameters parameters;
-  double lon, lat, east, north; // degrees; metres
-  double metres, degrees;       // half the last printed digit
-};
-
-} // namespace
 
 // EPSG Guidance Note 7-2 (2019), the examples of methods 9801, 9802 and
 // 9803, and Snyder (1987), the ellipsoidal example of the Albers conic.
@@ -70,19 +43,7 @@ TEST(Conic, PublishedExamples)
       {"standard_parallel2", 45.5}, {"false_easting", 0}, {"false_northing", 0}},
      -75, 35, 1885472.7, 1535925.0, 0.05, 6e-7},
   };
-  for (Example const & e : examples) {
-    auto datum = MakeDatum(e.a, e.rf);
-    auto p = Make(e.type, datum.get(), e.parameters);
-    double x = e.lon, y = e.lat;
-    ASSERT_TRUE(p->ToPlane(x, y)) << e.what;
-    EXPECT_NEAR(x, e.east, e.metres) << e.what;
-    EXPECT_NEAR(y, e.north, e.metres) << e.what;
-    x = e.east;
-    y = e.north;
-    ASSERT_TRUE(p->FromPlane(x, y)) << e.what;
-    EXPECT_NEAR(x, e.lon, e.degrees) << e.what;
-    EXPECT_NEAR(y, e.lat, e.degrees) << e.what;
-  }
+  ExpectExamples(examples);
 }
 
 // Where t is 0 the cone's apex is the pole: with the origin there it maps to
