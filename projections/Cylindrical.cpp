@@ -49,6 +49,14 @@ constexpr double kBehrmannSin2 = 0.25;
 // equator, radians.
 constexpr double kPoleTolerance = 1e-07;
 
+// The central meridian (radians) and the false values, which every class reads.
+void ReadOrigin(CParameterCollection const & p, double & cm, double & fe, double & fn)
+{
+  cm = Radians(p, kCentralMeridian);
+  fe = Internal(p, kFalseEasting);
+  fn = Internal(p, kFalseNorthing);
+}
+
 // A longitude difference into -pi to pi.
 double WrapDifference(double d)
 {
@@ -76,9 +84,7 @@ void CMercator::OnChange(unsigned short const *)
   if (!ParametersReady(kFiveParameters))
     return;
   CParameterCollection const & p = std::as_const(*this).GetParameters();
-  m_cm = Radians(p, kCentralMeridian);
-  m_fe = Internal(p, kFalseEasting);
-  m_fn = Internal(p, kFalseNorthing);
+  ReadOrigin(p, m_cm, m_fe, m_fn);
   BEllipsoid const * figure = GetInnerEllipsoid();
   m_ready = figure != nullptr;
   if (!m_ready)
@@ -130,10 +136,8 @@ void CMillerCylindrical::OnChange(unsigned short const *)
   if (!ParametersReady(kFourParameters))
     return;
   CParameterCollection const & p = std::as_const(*this).GetParameters();
-  m_cm = Radians(p, kCentralMeridian);
+  ReadOrigin(p, m_cm, m_fe, m_fn);
   m_R = Internal(p, kSphericalRadius);
-  m_fe = Internal(p, kFalseEasting);
-  m_fn = Internal(p, kFalseNorthing);
   m_ready = true;
 }
 
@@ -239,9 +243,7 @@ void CEquidistantCylindrical::OnChange(unsigned short const *)
   if (!ParametersReady(kFourParameters))
     return;
   CParameterCollection const & p = std::as_const(*this).GetParameters();
-  m_cm = Radians(p, kCentralMeridian);
-  m_fe = Internal(p, kFalseEasting);
-  m_fn = Internal(p, kFalseNorthing);
+  ReadOrigin(p, m_cm, m_fe, m_fn);
   BEllipsoid const * figure = GetInnerEllipsoid();
   m_ready = figure != nullptr;
   if (!m_ready)
@@ -276,9 +278,7 @@ void CGallStereographic::OnChange(unsigned short const *)
   if (!ParametersReady(kThreeParameters))
     return;
   CParameterCollection const & p = std::as_const(*this).GetParameters();
-  m_cm = Radians(p, kCentralMeridian);
-  m_fe = Internal(p, kFalseEasting);
-  m_fn = Internal(p, kFalseNorthing);
+  ReadOrigin(p, m_cm, m_fe, m_fn);
   BEllipsoid const * figure = GetInnerEllipsoid();
   m_ready = figure != nullptr;
   if (m_ready)
@@ -316,9 +316,7 @@ void CCassini::OnChange(unsigned short const *)
   if (!ParametersReady(kFourParameters))
     return;
   CParameterCollection const & p = std::as_const(*this).GetParameters();
-  m_cm = Radians(p, kCentralMeridian);
-  m_fe = Internal(p, kFalseEasting);
-  m_fn = Internal(p, kFalseNorthing);
+  ReadOrigin(p, m_cm, m_fe, m_fn);
   calc_meridional_values();
   m_ready = m_ellipsoid != nullptr;
   if (!m_ready)
@@ -381,9 +379,7 @@ void CPolyconic::OnChange(unsigned short const *)
   if (!ParametersReady(kFourParameters))
     return;
   CParameterCollection const & p = std::as_const(*this).GetParameters();
-  m_cm = Radians(p, kCentralMeridian);
-  m_fe = Internal(p, kFalseEasting);
-  m_fn = Internal(p, kFalseNorthing);
+  ReadOrigin(p, m_cm, m_fe, m_fn);
   calc_meridional_values();
   m_ready = m_ellipsoid != nullptr;
   if (!m_ready)
@@ -483,10 +479,8 @@ void CIMWPolyconic::OnChange(unsigned short const *)
   if (!ParametersReady(kIMWParameters))
     return;
   CParameterCollection const & p = std::as_const(*this).GetParameters();
-  m_cm = Radians(p, kCentralMeridian);
+  ReadOrigin(p, m_cm, m_fe, m_fn);
   m_lambda1 = Radians(p, kTrueScaleLongitude);
-  m_fe = Internal(p, kFalseEasting);
-  m_fn = Internal(p, kFalseNorthing);
   m_phi[0] = Radians(p, kLatitudeSouth);
   m_phi[1] = Radians(p, kLatitudeNorth);
   if (m_phi[1] < m_phi[0])
@@ -613,9 +607,7 @@ void CBonne::OnChange(unsigned short const *)
   if (!ParametersReady(kFourParameters))
     return;
   CParameterCollection const & p = std::as_const(*this).GetParameters();
-  m_cm = Radians(p, kCentralMeridian);
-  m_fe = Internal(p, kFalseEasting);
-  m_fn = Internal(p, kFalseNorthing);
+  ReadOrigin(p, m_cm, m_fe, m_fn);
   calc_meridional_values();
   m_ready = m_ellipsoid != nullptr;
   if (!m_ready)
@@ -697,9 +689,7 @@ void CPerspectiveConic::OnChange(unsigned short const *)
   if (!ParametersReady(kFiveParameters))
     return;
   CParameterCollection const & p = std::as_const(*this).GetParameters();
-  m_cm = Radians(p, kCentralMeridian);
-  m_fe = Internal(p, kFalseEasting);
-  m_fn = Internal(p, kFalseNorthing);
+  ReadOrigin(p, m_cm, m_fe, m_fn);
   double const phi1 = Radians(p, kStandardParallel1), phi2 = Radians(p, kStandardParallel2);
   BEllipsoid const * figure = GetInnerEllipsoid();
   m_sigma = 0.5 * (phi1 + phi2);

@@ -19,10 +19,6 @@
 # Usage: scripts/gen-conic-refs.sh [out-dir]
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
-out=${1:-$root/tests/data}
-mkdir -p "$out"
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
 
 # Points for one parameter set: seed cm side(1 north, -1 south) -> "lon lat" lines.
 points() {

@@ -27,11 +27,6 @@
 # Usage: scripts/gen-cylindrical-refs.sh [out-dir]
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
-out=${1:-$root/tests/data}
-mkdir -p "$out"
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-
 points() {
   awk -v seed="$1" -v cm="$2" -v band="$3" '
   function rnd() { seed = (seed * 16807) % 2147483647; return seed / 2147483647 }

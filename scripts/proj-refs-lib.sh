@@ -1,9 +1,13 @@
 # Shared by the scripts/gen-<family>-refs.sh that write reference vectors
-# from PROJ's cct (source it; it is not run alone). The caller sets `out`,
-# `work` and `script` and defines points <seed> <central meridian> <side>,
-# which prints "lon lat" lines; `write` then runs each parameter set
-# through cct.
+# from PROJ's cct (source it; it is not run alone). The caller sets `root`
+# and `script` and defines points <seed> <central meridian> <side>, which
+# prints "lon lat" lines; `write` then runs each parameter set through cct
+# into the folder given as the caller's first argument, else tests/data.
 command -v cct > /dev/null || { echo "missing cct (proj-bin)" >&2; exit 1; }
+out=${1:-$root/tests/data}
+mkdir -p "$out"
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
 
 # Figures: name a rf (rf 0: sphere).
 declare -A A RF
