@@ -50,12 +50,15 @@ inline void ProjTrans(PJ * pj, PJ_DIRECTION dir, std::vector<XY> & pts)
   proj_trans_generic(pj, dir, &pts[0].x, stride, n, &pts[0].y, stride, n, nullptr, 0, 0, nullptr, 0, 0);
 }
 
-// A datum that lives as long as the program, on the figure (a, 1/f).
+// A datum that lives as long as the program, on the figure (a, 1/f); 1/f of 0 is the sphere of radius a.
 inline Velmora::CS::CHorizontalDatum * LastingDatum(double a, double invF)
 {
   Velmora::CS::CEllipsoid e;
   e.GetSemiMajor().SetValue(a);
-  e.SetInvFlattening(invF);
+  if (invF > 0.0)
+    e.SetInvFlattening(invF);
+  else
+    e.GetSemiMinor().SetValue(a);
   auto * d = new Velmora::CS::CHorizontalDatum();
   d->SetEllipsoid(e);
   return d;

@@ -295,4 +295,14 @@ inline double ConformalTangentByNewton(EAtanhE const & eatanhe, double t, double
   return u;
 }
 
+// Isometric latitude from the sine and cosine, psi = ln((1 + |s|)/c) - e atanh(e |s|)
+// with the sign of s (Snyder 7-7: atanh(sin phi) = ln(tan(pi/4 + phi/2))): finite
+// wherever the cosine is not 0, so within 1e-7 degree of a pole as well, where
+// 1 - sin phi rounds to 0.
+inline double IsometricLatitudeFromSineCosine(EAtanhE const & eatanhe, double s, double c)
+{
+  double const as = std::fabs(s);
+  return std::copysign(std::log((1.0 + as) / c) - eatanhe(as), s);
+}
+
 } // namespace Velmora::CS::Kernel

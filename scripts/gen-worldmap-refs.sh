@@ -16,13 +16,7 @@
 # equator and the central meridian. The output is committed; run this again
 # only to change it.
 # Usage: scripts/gen-worldmap-refs.sh [out-dir]
-set -euo pipefail
-root=$(cd "$(dirname "$0")/.." && pwd)
-out=${1:-$root/tests/data}
-mkdir -p "$out"
-command -v cct > /dev/null || { echo "missing cct (proj-bin)" >&2; exit 1; }
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+. "$(dirname "$0")/refs-common.sh"
 
 # Points for one parameter set: seed cm -> "lon lat" lines.
 points() {

@@ -18,7 +18,10 @@ A[intl1924]=6378388;       RF[intl1924]=297
 A[bessel1841]=6377397.155; RF[bessel1841]=299.1528128
 A[clarke1880ign]=6378249.2; RF[clarke1880ign]=293.466021293627
 A[krassowsky]=6378245;     RF[krassowsky]=298.3
+A[clarke1858]=6378293.645; RF[clarke1858]=294.26067636926
+A[everest1830]=6377276.345; RF[everest1830]=300.8017
 A[sphere]=6371000;         RF[sphere]=0
+A[webmerc]=6378137;        RF[webmerc]=0
 
 # PROJ's options for a figure.
 figure_args() {

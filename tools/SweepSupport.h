@@ -42,11 +42,27 @@ constexpr double kLambertInverse = 4e-8;
 // authalic latitude by the series to e^6, as the library's type is
 // specified: it leaves up to 1.44e-8 degree (measured against PROJ).
 constexpr double kAuthalicSeriesInverse = 1.5e-8;
+// Of the cylindrical family, the Mercator's inverse stops the same way (and
+// takes t from the base 2.7182818281828, which moves latitudes by up to
+// 3.8e-9 degree even on a sphere); the equal-area cylinder's inverse is a
+// series to e^6 (1.4e-8 degree), Cassini-Soldner's the registry's reverse
+// series, not quite the inverse of its forward one (1.2e-6 degree at 5
+// degrees from the central meridian, 6e-9 over the registry's areas), and
+// the polyconic's and Bonne's arcs series to e^6 against PROJ's to e^8.
+constexpr double kMercatorInverse = 4e-8;
+constexpr double kSeriesInverse = 1.5e-8;
+constexpr double kBonneInverse = 5e-8;
 inline double InverseTolerance(std::string const & method)
 {
+  if (method == "9801" || method == "9802" || method == "9803")
+    return kLambertInverse;
   if (method == "9820" || method == "1027")
     return kAuthalicSeriesInverse;
-  return method == "9801" || method == "9802" || method == "9803" ? kLambertInverse : kInverseTolerance;
+  if (method == "9804" || method == "9805" || method == "1024" || method == "1026")
+    return kMercatorInverse;
+  if (method == "9806" || method == "9818" || method == "9835" || method == "9834")
+    return kSeriesInverse;
+  return method == "9827" ? kBonneInverse : kInverseTolerance;
 }
 
 // Methods whose PROJ formula is not the registry's: the library follows the

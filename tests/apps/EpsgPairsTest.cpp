@@ -71,6 +71,12 @@ UnitCase const kUnitCases[] = {
    {"-r", "EPSG:4272", "EPSG:27291"}, 175.5, -39.0, 0.5, false, kSearsYard},
   {"NTF (Paris) in degrees by --si to NTF", {"--from", "EPSG:4807", "--to", "EPSG:4275", "--si"},
    {"-r", "-s", "EPSG:4807", "EPSG:4275"}, 0.5, 46.5, 0.5, true, 1.0},
+  // Pseudo-Mercator: spherical formulas on WGS 84's own latitudes, by the
+  // route to the twin of WGS 84 on the sphere of a.
+  {"WGS 84 to Pseudo-Mercator", {"--from", "EPSG:4326", "--to", "EPSG:3857"}, {"-r", "EPSG:4326", "EPSG:3857"},
+   100.0, 0.0, 40.0, false, 1.0},
+  {"ETRS89 to Pseudo-Mercator", {"--from", "EPSG:4258", "--to", "EPSG:3857"}, {"-r", "EPSG:4258", "EPSG:3857"},
+   10.0, 60.0, 20.0, false, 1.0},
   // Areas across the antimeridian: every point of the area converts.
   {"Fiji 1986 to Fiji Map Grid", {"--from", "EPSG:4720", "--to", "EPSG:3460"}, {"-r", "EPSG:4720", "EPSG:3460"},
    -179.7, -18.0, 0.4, false, 1.0},

@@ -21,6 +21,9 @@ constexpr char kEnvelopeUnit[] = "9122"; // degrees as the geographic systems us
 constexpr char kWorldExtent[] = "1262";
 // Longitudes an area across the antimeridian takes: any a conversion gives.
 constexpr double kAnyLongitude = 360.0;
+// What the objects of a sphere of a, made for a system of the registry, add
+// to its codes: their "VM" codes, which no registry code takes.
+constexpr char kSphereOfA[] = "-sphere-a";
 // Below this, in degrees, a longitude rotation is the same angle given in two units.
 constexpr double kNegligibleRotation = 1e-12;
 
@@ -435,6 +438,72 @@ CS::CGeodeticCoordSys const * Builder::GeodeticCrs(std::string const & code)
   return Cached(m_geodetic, kObjectGeodeticCoordSys, code);
 }
 
+// The twin of a geographic system whose datum carries the sphere of its
+// ellipsoid's semi-major axis, joined to the system's datum by a longitude
+// rotation of 0. The rotation hands latitude and longitude over unchanged,
+// so a projection on the twin applies spherical formulas with R = a to the
+// system's own ellipsoidal coordinates, as the Pseudo-Mercator (EPSG method
+// 1024) does, and it is the one route the store finds from the datum (or
+// through it) to the twin's.
+CS::CGeodeticCoordSys const * Builder::SphereOfA(std::string const & code)
+{
+  std::string const key = code + kSphereOfA;
+  auto const done = m_geodetic.find(key);
+  if (done != m_geodetic.end())
+    return done->second.get();
+  m_geodetic[key] = nullptr;
+  CS::CGeodeticCoordSys const * base = GeodeticCrs(code);
+  if (!base)
+    return nullptr;
+  VelmoraData::Datum const & d = m_registry.datums.at(m_registry.geodeticCrs.at(code).datum);
+  std::string const datumKey = d.code + kSphereOfA, figureKey = d.ellipsoid + kSphereOfA;
+  if (!m_store.FindObject(kObjectEllipsoid, CString("VM"), CString(figureKey))) {
+    std::unique_ptr<CS::CEllipsoid> figure(Stored<CS::CEllipsoid>(kObjectEllipsoid, CString(d.ellipsoid)));
+    CS::CEllipsoid sphere;
+    Identify(sphere, m_registry.ellipsoids.at(d.ellipsoid).name + " (sphere of its semi-major axis)",
+             CString(figureKey), "");
+    sphere.SetSemiMajor(figure->GetSemiMajor());
+    sphere.SetSemiMinor(figure->GetSemiMajor());
+    m_store.PutEllipsoid(sphere, false);
+  }
+  if (!m_store.FindObject(kObjectHorizontalDatum, CString("VM"), CString(datumKey))) {
+    std::unique_ptr<CS::CEllipsoid> sphere(Stored<CS::CEllipsoid>(kObjectEllipsoid, CString(figureKey)));
+    std::unique_ptr<CS::CPrimeMeridian> meridian(
+      Stored<CS::CPrimeMeridian>(kObjectPrimeMeridian, CString(d.primeMeridian)));
+    CS::CHorizontalDatum datum;
+    Identify(datum, d.name + " (sphere of a)", CString(datumKey), "");
+    datum.SetEllipsoid(*sphere);
+    datum.SetPrimeMeridian(*meridian);
+    m_store.PutHorizontalDatum(datum, false);
+    std::unique_ptr<CT::DS::CDatumShift> shift(
+      CT::DS::CDatumShiftFactory::CreateDatumShift(CT::DS::CDatumShift::kLongitudeRotation));
+    ML::CAngularValue none;
+    none.SetUnits(*AngularUnit(kDegree));
+    none.SetValue(0.0);
+    shift->GetParameters().SetAngularValue(CString("rotation"), none);
+    std::unique_ptr<ML::CEnvelope> world(Stored<ML::CEnvelope>(kObjectEnvelope, Envelope({kWorldExtent})));
+    Identify(*shift, d.name + " to its sphere of a", CString(datumKey), "");
+    shift->SetEnvelope(*world);
+    shift->GetSrcDatum() = *Datum(d.code);
+    shift->GetDestDatum() = *Cached(m_datums, kObjectHorizontalDatum, datumKey);
+    m_store.PutDatumShift(*shift, false);
+  }
+  CS::CHorizontalDatum const * sphereDatum =
+    m_datums.count(datumKey) ? m_datums[datumKey].get() : Cached(m_datums, kObjectHorizontalDatum, datumKey);
+  CS::CGeodeticCoordSys system(*base);
+  system.GetIdentifiers().Clear();
+  Identify(system, m_registry.geodeticCrs.at(code).name + " (sphere of a)", CString(key), "");
+  system.SetHorizontalDatum(*sphereDatum);
+  m_store.PutGeodeticCoordSys(system, false);
+  return Cached(m_geodetic, kObjectGeodeticCoordSys, key);
+}
+
+bool Builder::OnSphere(std::string const & datum) const
+{
+  VelmoraData::Ellipsoid const & e = m_registry.ellipsoids.at(m_registry.datums.at(datum).ellipsoid);
+  return !(e.invFlattening && *e.invFlattening > 0.0) && (!e.semiMinor || *e.semiMinor == e.semiMajor);
+}
+
 // A geographic system with heights above a geoid of a model the library
 // reads and the build ships: the horizontal system's definition with a
 // vertical reference of an unassociated vertical datum and the model. Only
@@ -577,8 +646,17 @@ bool Builder::ProjectedCrs(std::string const & code)
     Skip("projected: axes the projection type does not give (method " + c.method + ")");
     return false;
   }
+  std::string datumCode = m_registry.geodeticCrs.count(crs.base) ? m_registry.geodeticCrs.at(crs.base).datum : "";
+  if (method->figure == Figure::kSphereOnly && !datumCode.empty() && !OnSphere(datumCode)) {
+    Skip("projected: a spherical method on an ellipsoid, whose radius no type takes (method " + c.method + ")");
+    return false;
+  }
   CS::CGeodeticCoordSys const * base = GeodeticCrs(crs.base);
-  CS::CHorizontalDatum const * datum = base ? Datum(m_registry.geodeticCrs.at(crs.base).datum) : nullptr;
+  if (base && method->figure == Figure::kSphereOfA) {
+    base = SphereOfA(crs.base);
+    datumCode += kSphereOfA;
+  }
+  CS::CHorizontalDatum const * datum = base ? Datum(datumCode) : nullptr;
   CString const style = base ? ProjectedStyle(axes->second.front().uom) : CString();
   if (!datum || style.isEmpty()) {
     Skip("projected: base system or linear unit not in the file");

@@ -56,6 +56,8 @@ private:
   CString CartesianStyle(std::string const & linearUnit);
   CString Envelope(std::vector<std::string> const & extents);
   Velmora::CS::CGeodeticCoordSys const * GeodeticCrs(std::string const & code);
+  Velmora::CS::CGeodeticCoordSys const * SphereOfA(std::string const & code);
+  bool OnSphere(std::string const & datum) const;
   bool GeocentricCrs(std::string const & code);
   bool ProjectedCrs(std::string const & code);
   bool GeoidCrs(std::string const & code);

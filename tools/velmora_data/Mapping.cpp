@@ -45,6 +45,29 @@ std::vector<ParameterSource> TransverseMercator()
           From("false_northing", kFalseNorthing)};
 }
 
+// Methods given by a natural origin alone: the Cassini-Soldner, the polyconic,
+// Bonne (whose natural origin is its standard parallel) and the spherical
+// Mercator forms, whose latitude of origin is 0.
+std::vector<ParameterSource> NaturalOrigin()
+{
+  return {From("central_meridian", kLonNatural), From("latitude_of_origin", kLatNatural),
+          From("false_easting", kFalseEasting), From("false_northing", kFalseNorthing)};
+}
+
+// The Mercator on a sphere from a natural origin on the equator: true to scale there.
+std::vector<ParameterSource> SphericalMercator()
+{
+  return {From("central_meridian", kLonNatural), From("latitude_of_origin", kLatNatural), Fixed("scale_factor", 1.0),
+          From("false_easting", kFalseEasting), From("false_northing", kFalseNorthing)};
+}
+
+// The cylinders given by a standard parallel, which their type holds in latitude_of_origin.
+std::vector<ParameterSource> StandardParallelCylinder()
+{
+  return {From("central_meridian", kLonNatural), From("latitude_of_origin", kParallel1),
+          From("false_easting", kFalseEasting), From("false_northing", kFalseNorthing)};
+}
+
 std::vector<ParameterSource> TwoParallelConic()
 {
   return {From("latitude_of_origin", kLatFalse),  From("central_meridian", kLonFalse),
@@ -90,11 +113,7 @@ std::vector<ProjectionMethod> const kProjections = {
    {From("central_meridian", kLonFalse), From("latitude_of_origin", kLatFalse),
     From("standard_parallel1", kParallel1), From("standard_parallel2", kParallel2),
     From("false_easting", kEastingFalse), From("false_northing", kNorthingFalse)}},
-  {"9806",
-   CProjection::kCassini,
-   Axes::kEastNorth,
-   {From("central_meridian", kLonNatural), From("latitude_of_origin", kLatNatural),
-    From("false_easting", kFalseEasting), From("false_northing", kFalseNorthing)}},
+  {"9806", CProjection::kCassini, Axes::kEastNorth, NaturalOrigin()},
   {"9810",
    CProjection::kPolarStereographic,
    Axes::kPolar,
@@ -157,26 +176,22 @@ std::vector<ProjectionMethod> const kProjections = {
    Axes::kEastNorth,
    {From("central_meridian", kLonNatural), From("latitude_of_origin", kParallel1), Fixed("scale_factor", 1.0),
     From("false_easting", kFalseEasting), From("false_northing", kFalseNorthing)}},
-  {"9818",
-   CProjection::kPolyconic,
-   Axes::kEastNorth,
-   {From("central_meridian", kLonNatural), From("latitude_of_origin", kLatNatural),
-    From("false_easting", kFalseEasting), From("false_northing", kFalseNorthing)}},
+  {"9818", CProjection::kPolyconic, Axes::kEastNorth, NaturalOrigin()},
+  {"9827", CProjection::kBonne, Axes::kEastNorth, NaturalOrigin()},
+  // Pseudo-Mercator: the spherical Mercator with R = a on ellipsoidal coordinates.
+  {"1024", CProjection::kMercator, Axes::kEastNorth, SphericalMercator(), Figure::kSphereOfA},
+  {"1026", CProjection::kMercator, Axes::kEastNorth, SphericalMercator(), Figure::kSphereOnly},
   {"9811",
    CProjection::kNewZealandMapGrid,
    Axes::kEastNorth,
    {From("central_meridian", kLonNatural), From("latitude_of_origin", kLatNatural),
     From("false_easting", kFalseEasting), From("false_northing", kFalseNorthing)}},
-  {"9835",
-   CProjection::kEqualAreaCylindrical,
-   Axes::kEastNorth,
-   {From("central_meridian", kLonNatural), From("latitude_of_origin", kParallel1),
-    From("false_easting", kFalseEasting), From("false_northing", kFalseNorthing)}},
-  {"1028",
-   CProjection::kEquidistantCylindrical,
-   Axes::kEastNorth,
-   {From("central_meridian", kLonNatural), From("latitude_of_origin", kParallel1),
-    From("false_easting", kFalseEasting), From("false_northing", kFalseNorthing)}},
+  {"9835", CProjection::kEqualAreaCylindrical, Axes::kEastNorth, StandardParallelCylinder()},
+  {"9834", CProjection::kEqualAreaCylindrical, Axes::kEastNorth, StandardParallelCylinder(), Figure::kSphereOnly},
+  // The registry's method is ellipsoidal (northings by the meridian arc); the
+  // type is the spherical form on a, as PROJ's eqc, which PROJ runs for it.
+  {"1028", CProjection::kEquidistantCylindrical, Axes::kEastNorth, StandardParallelCylinder()},
+  {"1029", CProjection::kEquidistantCylindrical, Axes::kEastNorth, StandardParallelCylinder(), Figure::kSphereOnly},
 };
 
 std::vector<ShiftMethod> const kShifts = {

@@ -22,12 +22,23 @@ enum class Axes {
   kPolar      // east and north of a polar aspect, given as "along" a meridian; east/north taken too
 };
 
+// The figure a method's formulas work on.
+enum class Figure {
+  kDatum,     // the datum's own
+  kSphereOfA, // spherical formulas on the datum's ellipsoidal coordinates, the sphere's radius a: the
+              // system is put on a twin of its base whose datum carries that sphere, joined to the base
+              // by a longitude rotation of 0, which hands latitude and longitude over unchanged
+  kSphereOnly // a spherical method, exact where the datum's figure is a sphere; on an ellipsoid the
+              // registry takes another radius, which no type takes, so such systems are left out
+};
+
 struct ProjectionMethod
 {
   char const * epsg;
   int type; // CProjection::Type
   Axes axes;
   std::vector<ParameterSource> parameters;
+  Figure figure = Figure::kDatum;
 };
 
 // The mapped projection methods; null for a method the library has no type for.
