@@ -19,17 +19,13 @@ namespace {
 
 constexpr double kUsFoot = 0.3048006096012;
 
-double Dms(double d, double m, double s) { return d < 0 ? d - m / 60 - s / 3600 : d + m / 60 + s / 3600; }
-
-using Parameters = std::vector<std::pair<char const *, double>>;
+using VelmoraTest::Dms;
+using VelmoraTest::Parameters;
 
 std::unique_ptr<CProjection> Make(CProjection::Type type, Velmora::CS::CHorizontalDatum * datum,
                                   Parameters const & parameters)
 {
-  std::unique_ptr<CProjection> p(CProjectionFactory::CreateProjection(type, datum));
-  for (auto const & [name, value] : parameters)
-    VelmoraTest::SetParameter(*p, name, value);
-  return p;
+  return VelmoraTest::MakeProjection(type, datum, parameters);
 }
 
 struct Example
