@@ -79,7 +79,7 @@ Grid const & Jtsk()
              {"latitude_of_true_scale", 78.5}, {"scale_factor", 0.9999}, {"false_easting", 0},
              {"false_northing", 0}});
     return Grid(p,
-                "+proj=krovak +czech +lon_0=24.8333333333333 +lat_0=49.5 +alpha=30.2881397527778 +k=0.9999 "
+                "+proj=krovak +axis=swu +lon_0=24.8333333333333 +lat_0=49.5 +alpha=30.2881397527778 +k=0.9999 "
                 "+ellps=bessel",
                 12.1, 22.5, 47.8, 51.0, 19220101);
   }();

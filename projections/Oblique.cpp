@@ -541,7 +541,7 @@ void CKrovak::OnChange(unsigned short const *)
 // U = 2 atan(t0 e^(B psi)) - pi/2, V = B (lambda0 - lambda),
 // T = asin(cos alphac sin U + sin alphac cos U cos V), D from cos T sin D = cos U sin V,
 // theta = n D, r = r0 tan^n(pi/4 + phip/2)/tan^n(T/2 + pi/4);
-// southing r cos theta, westing r sin theta.
+// southing X = r cos theta + FN in x, westing Y = r sin theta + FE in y.
 bool CKrovak::ToPlane(double & x, double & y) const
 {
   if (!GetParameters().AllItemsSet() || !m_ready)
@@ -557,8 +557,8 @@ bool CKrovak::ToPlane(double & x, double & y) const
   double const r = m_rFactor / std::pow(std::tan(0.5 * T + kQuarterPi), m_n);
   double sinTheta, cosTheta;
   ::sincos(m_n * D, &sinTheta, &cosTheta);
-  x = r * sinTheta + m_fe;
-  y = r * cosTheta + m_fn;
+  x = r * cosTheta + m_fn;
+  y = r * sinTheta + m_fe;
   return Finite(x, y);
 }
 
@@ -569,7 +569,7 @@ bool CKrovak::FromPlane(double & x, double & y) const
 {
   if (!GetParameters().AllItemsSet() || !m_ready)
     return false;
-  double Xp = y - m_fn, Yp = x - m_fe;
+  double Xp = x - m_fn, Yp = y - m_fe;
   if (std::fabs(Xp) < kKrovakOrigin && std::fabs(Yp) < kKrovakOrigin)
     Xp = Yp = 0.0;
   double const r = std::hypot(Xp, Yp);

@@ -191,7 +191,9 @@ public:
 // the ellipsoid onto Gauss's sphere, the sphere turned about the cone's
 // axis through the pseudo-pole at the co-latitude `azimuth`, and Lambert's
 // cone on the pseudo standard parallel `latitude_of_true_scale`. ToPlane
-// gives westing in x and southing in y, both positive over the country.
+// gives the grid's X, the southing, in x and its Y, the westing, in y, both
+// positive over the country; false_northing is added to X, false_easting
+// to Y.
 // The inverse stops its latitude iteration at a step of 1e-7 radian.
 class VELMORA_API CKrovak final : public TProjection<CKrovak, CProjection::kKrovak>
 {

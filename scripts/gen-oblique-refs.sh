@@ -11,7 +11,7 @@
 #   tests/data/oblique_hotine_2pt.txt    two points, u from the centre, turned by the azimuth there
 #   tests/data/oblique_somerc_lv03.txt   the Swiss grid LV03 (EPSG:21781)
 #   tests/data/oblique_somerc_eov.txt    the Hungarian grid EOV (EPSG:23700)
-#   tests/data/oblique_krovak.txt        +proj=krovak +czech: westing and southing positive
+#   tests/data/oblique_krovak.txt        +proj=krovak +czech: southing and westing positive
 #   tests/data/oblique_labrd.txt         +proj=labrd
 #
 # Each file names its columns on a "# columns:" line: the figure (a, rf),
@@ -139,6 +139,9 @@ bessel1841 17.5 49.5 5 24.8333333333333 49.5 30.2881397527778 78.5 0.9999 0 0
 bessel1841 15 48 8 24.8333333333333 49.5 30.2881397527778 78.5 0.9999 0 0
 bessel1841 17.5 49.5 4 24.8333333333333 49.5 30.2881397527778 78.5 0.9999 5000000 5000000
 SETS
+# cct gives westing then southing; the type, as the grid's X and Y, southing first.
+awk '/^#/ { print; next } { t = $NF; $NF = $(NF - 1); $(NF - 1) = t; print }' "$out/oblique_krovak.txt" > "$work/k.txt"
+mv "$work/k.txt" "$out/oblique_krovak.txt"
 
 # Laborde: figure, centre, spread, then lonc latc k alpha x0 y0.
 write oblique_labrd.txt \
