@@ -50,9 +50,11 @@ constexpr double kCylinderPole = 1e-12;
 
 double Clamp1(double x) { return std::clamp(x, -1.0, 1.0); }
 
-// Into -pi to pi by fmod.
+// Into -pi to pi by fmod; most longitudes are there already.
 double WrapPi(double lambda)
 {
+  if (lambda >= -kPi && lambda <= kPi)
+    return lambda;
   double w = std::fmod(lambda + kPi, kTwoPi);
   if (w < 0.0)
     w += kTwoPi;
@@ -155,6 +157,7 @@ void BHotineAposphere::SetCentre(double semiMajor, double eccentricitySquared, d
     A = a * k0 / std::sqrt(1.0 - e2);
     D = F = INFINITY;
     E = std::pow((1.0 + e) / (1.0 - e), sign * 0.5 * e);
+    lnE = std::log(E);
     return;
   }
   double const s = std::sin(phiC), c = std::cos(phiC);
@@ -165,6 +168,7 @@ void BHotineAposphere::SetCentre(double semiMajor, double eccentricitySquared, d
   double const D2 = std::max(D * D, 1.0);
   F = D + sign * std::sqrt(D2 - 1.0);
   E = F * std::pow(Kernel::ConformalT(e, phiC), B);
+  lnE = std::log(E);
 }
 
 // gamma0 = asin(sin alphac/D), lambda0 = lambdac - asin(G tan gamma0)/B,
@@ -242,7 +246,7 @@ void BHotineAposphere::Forward(double lambda, double phi, double & x, double & y
     u = s * A / B * kHalfPi;
   } else {
     double const psi = Kernel::IsometricLatitudeFromSine({e, eatanhe, eatanheTerms}, std::sin(phi));
-    double const Q = E * std::exp(B * psi);
+    double const Q = std::exp(lnE + B * psi);
     double const S = 0.5 * (Q - 1.0 / Q), T = 0.5 * (Q + 1.0 / Q);
     double V, cosBl;
     ::sincos(B * WrapPi(lambda - lambda0), &V, &cosBl);
@@ -285,10 +289,14 @@ void BHotineAposphere::Inverse(double x, double y, double & lambda, double & phi
     lambda = WrapPi(lambda0);
     return;
   }
-  double const t = std::pow(E / std::sqrt((1.0 + U) / (1.0 - U)), 1.0 / B);
+  double const t = std::exp((lnE - std::atanh(U)) / B);
   double const chi = kHalfPi - 2.0 * std::atan(t);
-  phi = chi + c2 * std::sin(2.0 * chi) + c4 * std::sin(4.0 * chi) + c6 * std::sin(6.0 * chi) +
-        c8 * std::sin(8.0 * chi);
+  // The series summed by Clenshaw's recurrence on sin 2chi and cos 2chi.
+  double s2, c2chi;
+  ::sincos(2.0 * chi, &s2, &c2chi);
+  double const r = 2.0 * c2chi;
+  double const b4 = c8, b3 = c6 + r * b4, b2 = c4 + r * b3 - b4, b1 = c2 + r * b2 - b3;
+  phi = chi + b1 * s2;
   lambda = WrapPi(lambda0 - std::atan2(S * cosGamma0 - V * sinGamma0, cosBu) / B);
 }
 
@@ -527,6 +535,7 @@ void CKrovak::OnChange(unsigned short const *)
   double const gamma0 = std::asin(s / m_B);
   // t0 = tan(pi/4 + gamma0/2) / e^(B psi(phic)), the isometric form of the same.
   m_t0 = std::tan(kQuarterPi + 0.5 * gamma0) * std::pow(Kernel::ConformalT(m_e, phiC), m_B);
+  m_lnT0 = std::log(m_t0);
   m_n = std::sin(phiP);
   m_r0 = Scale(p) * A / std::tan(phiP);
   m_rFactor = m_r0 * std::pow(std::tan(kQuarterPi + 0.5 * phiP), m_n);
@@ -547,14 +556,15 @@ bool CKrovak::ToPlane(double & x, double & y) const
   if (!GetParameters().AllItemsSet() || !m_ready)
     return false;
   double const psi = Kernel::IsometricLatitudeFromSine({m_e, eatanhe, eatanheTerms}, std::sin(y * kRadiansPerDegree));
-  double const U = 2.0 * std::atan(m_t0 * std::exp(m_B * psi)) - kHalfPi;
-  double sinU, cosU, sinV, cosV;
-  ::sincos(U, &sinU, &cosU);
+  // With w = tan(U/2 + pi/4): sin U = (w^2 - 1)/(w^2 + 1), cos U = 2w/(w^2 + 1);
+  // and tan^n(T/2 + pi/4) = e^(n atanh(sin T)).
+  double const w = m_t0 * std::exp(m_B * psi), w2 = w * w;
+  double const sinU = (w2 - 1.0) / (w2 + 1.0), cosU = 2.0 * w / (w2 + 1.0);
+  double sinV, cosV;
   ::sincos(m_B * WrapPi(m_lambda0 - x * kRadiansPerDegree), &sinV, &cosV);
   double const sinT = Clamp1(m_cosAlpha * sinU + m_sinAlpha * cosU * cosV);
   double const D = std::atan2(cosU * sinV, m_cosAlpha * cosU * cosV - m_sinAlpha * sinU);
-  double const T = std::asin(sinT);
-  double const r = m_rFactor / std::pow(std::tan(0.5 * T + kQuarterPi), m_n);
+  double const r = m_rFactor * std::exp(-m_n * std::atanh(sinT));
   double sinTheta, cosTheta;
   ::sincos(m_n * D, &sinTheta, &cosTheta);
   x = r * cosTheta + m_fn;
@@ -574,13 +584,20 @@ bool CKrovak::FromPlane(double & x, double & y) const
     Xp = Yp = 0.0;
   double const r = std::hypot(Xp, Yp);
   double const D = std::atan2(Yp, Xp) / m_n;
-  double const T = r == 0.0 ? kHalfPi : 2.0 * std::atan(std::pow(m_rFactor / r, 1.0 / m_n)) - kHalfPi;
-  double sinT, cosT, sinD, cosD;
-  ::sincos(T, &sinT, &cosT);
+  // With q = tan(T/2 + pi/4) = (r0 tan^n(pi/4 + phip/2)/r')^(1/n): sin T and
+  // cos T as U's above; at the apex r' = 0, T = pi/2. The isometric
+  // latitude of U on the sphere is atanh(sin U).
+  double sinT = 1.0, cosT = 0.0;
+  if (r != 0.0) {
+    double const q = std::pow(m_rFactor / r, 1.0 / m_n), q2 = q * q;
+    sinT = std::isinf(q2) ? 1.0 : (q2 - 1.0) / (q2 + 1.0);
+    cosT = std::isinf(q2) ? 0.0 : 2.0 * q / (q2 + 1.0);
+  }
+  double sinD, cosD;
   ::sincos(D, &sinD, &cosD);
-  double const U = std::asin(Clamp1(m_cosAlpha * sinT - m_sinAlpha * cosT * cosD));
+  double const sinU = Clamp1(m_cosAlpha * sinT - m_sinAlpha * cosT * cosD);
   double const V = std::atan2(cosT * sinD, m_cosAlpha * cosT * cosD + m_sinAlpha * sinT);
-  double const psi = (std::log(std::tan(kQuarterPi + 0.5 * U)) - std::log(m_t0)) / m_B;
+  double const psi = (std::atanh(sinU) - m_lnT0) / m_B;
   double const phi = Kernel::LatitudeFromT({m_e, eatanhe, eatanheTerms}, std::exp(-psi), kKrovakTolerance,
                                            kLatitudeRounds);
   x = WrapPi(m_lambda0 - V / m_B) / kRadiansPerDegree;

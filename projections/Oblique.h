@@ -16,7 +16,7 @@ namespace Velmora::CS::PJ {
 struct BHotineAposphere
 {
   double a = 0.0, e = 0.0, e2 = 0.0;
-  double B = 0.0, A = 0.0, E = 0.0, D = 0.0, F = 0.0;
+  double B = 0.0, A = 0.0, E = 0.0, lnE = 0.0, D = 0.0, F = 0.0;
   double gamma0 = 0.0, sinGamma0 = 0.0, cosGamma0 = 1.0;
   double lambda0 = 0.0;  // longitude of the natural origin
   double alphaC = 0.0;   // azimuth of the central line at the centre
@@ -206,7 +206,7 @@ public:
   using CProjection::ToPlane;
 
 private:
-  double m_e = 0.0, m_B = 0.0, m_t0 = 0.0, m_n = 0.0, m_r0 = 0.0, m_rFactor = 0.0;
+  double m_e = 0.0, m_B = 0.0, m_t0 = 0.0, m_lnT0 = 0.0, m_n = 0.0, m_r0 = 0.0, m_rFactor = 0.0;
   double m_sinAlpha = 0.0, m_cosAlpha = 1.0, m_tanPseudo = 0.0;
   double m_lambda0 = 0.0, m_fe = 0.0, m_fn = 0.0;
   double eatanhe[32] = {};
