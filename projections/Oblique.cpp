@@ -95,21 +95,6 @@ bool SetTwoPoints(BHotineAposphere & om, CParameterCollection const & p, BEllips
   return true;
 }
 
-bool HotineToPlane(BHotineAposphere const & om, double & x, double & y)
-{
-  om.Forward(x * kRadiansPerDegree, y * kRadiansPerDegree, x, y);
-  return Finite(x, y);
-}
-
-bool HotineFromPlane(BHotineAposphere const & om, double & x, double & y)
-{
-  double lambda, phi;
-  om.Inverse(x, y, lambda, phi);
-  x = lambda / kRadiansPerDegree;
-  y = phi / kRadiansPerDegree;
-  return Finite(x, y);
-}
-
 // A figure's isometric latitude and its inverse, by the kernel's series of
 // e atanh(e sin phi).
 struct BIsometric
@@ -300,6 +285,21 @@ void BHotineAposphere::Inverse(double x, double y, double & lambda, double & phi
   lambda = WrapPi(lambda0 - std::atan2(S * cosGamma0 - V * sinGamma0, cosBu) / B);
 }
 
+bool BHotineAposphere::ToPlane(double & x, double & y) const
+{
+  Forward(x * kRadiansPerDegree, y * kRadiansPerDegree, x, y);
+  return Finite(x, y);
+}
+
+bool BHotineAposphere::FromPlane(double & x, double & y) const
+{
+  double lambda, phi;
+  Inverse(x, y, lambda, phi);
+  x = lambda / kRadiansPerDegree;
+  y = phi / kRadiansPerDegree;
+  return Finite(x, y);
+}
+
 // BObliqueCylinder
 //
 // alpha = sqrt(1 + e2 cos^4 phi0/(1 - e2)), b0 = asin(sin phi0/alpha),
@@ -403,16 +403,6 @@ void CHotineObliqueMercator::OnChange(unsigned short const *)
   m_om.fromCentre = true;
 }
 
-bool CHotineObliqueMercator::ToPlane(double & x, double & y) const
-{
-  return GetParameters().AllItemsSet() && m_ready && HotineToPlane(m_om, x, y);
-}
-
-bool CHotineObliqueMercator::FromPlane(double & x, double & y) const
-{
-  return GetParameters().AllItemsSet() && m_ready && HotineFromPlane(m_om, x, y);
-}
-
 // CHotineObliqueMercator_1 and _2
 
 void CHotineObliqueMercator_1::OnChange(unsigned short const *)
@@ -421,30 +411,10 @@ void CHotineObliqueMercator_1::OnChange(unsigned short const *)
     m_ready = SetOnePoint(m_om, std::as_const(*this).GetParameters(), GetInnerEllipsoid(), false);
 }
 
-bool CHotineObliqueMercator_1::ToPlane(double & x, double & y) const
-{
-  return GetParameters().AllItemsSet() && m_ready && HotineToPlane(m_om, x, y);
-}
-
-bool CHotineObliqueMercator_1::FromPlane(double & x, double & y) const
-{
-  return GetParameters().AllItemsSet() && m_ready && HotineFromPlane(m_om, x, y);
-}
-
 void CHotineObliqueMercator_2::OnChange(unsigned short const *)
 {
   if (ParametersReady(kOnePointCount))
     m_ready = SetOnePoint(m_om, std::as_const(*this).GetParameters(), GetInnerEllipsoid(), true);
-}
-
-bool CHotineObliqueMercator_2::ToPlane(double & x, double & y) const
-{
-  return GetParameters().AllItemsSet() && m_ready && HotineToPlane(m_om, x, y);
-}
-
-bool CHotineObliqueMercator_2::FromPlane(double & x, double & y) const
-{
-  return GetParameters().AllItemsSet() && m_ready && HotineFromPlane(m_om, x, y);
 }
 
 // CObliqueMercatorAzimuth
@@ -473,12 +443,7 @@ bool CObliqueMercatorAzimuth::ToPlane(double & x, double & y) const
   if (!GetParameters().AllItemsSet() || !m_ready)
     return false;
   CenterLongitude(x, m_lambdaC);
-  return HotineToPlane(m_om, x, y);
-}
-
-bool CObliqueMercatorAzimuth::FromPlane(double & x, double & y) const
-{
-  return GetParameters().AllItemsSet() && m_ready && HotineFromPlane(m_om, x, y);
+  return m_om.ToPlane(x, y);
 }
 
 // CObliqueMercatorTwoPoints
@@ -491,16 +456,6 @@ void CObliqueMercatorTwoPoints::OnChange(unsigned short const *)
   m_ready = SetTwoPoints(m_om, p, GetInnerEllipsoid());
   m_om.SetRectification(Flag(p, kUseGammaFlag) ? m_om.gamma0 : Radians(p, kRotationAngle));
   m_om.rectified = Flag(p, kUnrectifiedFlag) == 0;
-}
-
-bool CObliqueMercatorTwoPoints::ToPlane(double & x, double & y) const
-{
-  return GetParameters().AllItemsSet() && m_ready && HotineToPlane(m_om, x, y);
-}
-
-bool CObliqueMercatorTwoPoints::FromPlane(double & x, double & y) const
-{
-  return GetParameters().AllItemsSet() && m_ready && HotineFromPlane(m_om, x, y);
 }
 
 // CSwissObliqueMercator and CEgysegesOrszagosVetulet

@@ -13,7 +13,7 @@ namespace Velmora::CS::PJ {
 // Projections: A Working Manual, 9-1 to 9-47). The forward is exact; the
 // inverse takes the conformal latitude back by the series to e^8 (Snyder
 // 3-5), within 1e-11 degree of the exact inverse on the Earth.
-struct BHotineAposphere
+struct VELMORA_API BHotineAposphere
 {
   double a = 0.0, e = 0.0, e2 = 0.0;
   double B = 0.0, A = 0.0, E = 0.0, lnE = 0.0, D = 0.0, F = 0.0;
@@ -44,6 +44,33 @@ struct BHotineAposphere
   void Forward(double lambda, double phi, double & x, double & y) const;
   // Easting and northing to longitude and latitude in radians.
   void Inverse(double x, double y, double & lambda, double & phi) const;
+  // The same in degrees, in place; false for a result that is not finite.
+  bool ToPlane(double & x, double & y) const;
+  bool FromPlane(double & x, double & y) const;
+};
+
+// What the Hotine types share: the aposphere, set up by each OnChange, and
+// the conversions through it.
+template <class Derived, CProjection::Type TypeValue>
+class TObliqueMercator : public TProjection<Derived, TypeValue>
+{
+public:
+  bool ToPlane(double & x, double & y) const override
+  {
+    return this->GetParameters().AllItemsSet() && m_ready && m_om.ToPlane(x, y);
+  }
+  bool FromPlane(double & x, double & y) const override
+  {
+    return this->GetParameters().AllItemsSet() && m_ready && m_om.FromPlane(x, y);
+  }
+  using CProjection::FromPlane;
+  using CProjection::ToPlane;
+
+protected:
+  using TProjection<Derived, TypeValue>::TProjection;
+
+  BHotineAposphere m_om;
+  bool m_ready = false;
 };
 
 // The conformal double projection onto an oblique cylinder: Gauss's sphere
@@ -70,54 +97,30 @@ struct BObliqueCylinder
 // the latitude of its centre; u is counted from the centre, where the false
 // values lie, and the grid rectified by the azimuth of the central line at
 // the centre (Snyder 9-21 to 9-35). No centering step.
-class VELMORA_API CHotineObliqueMercator final : public TProjection<CHotineObliqueMercator, CProjection::kHotineObliqueMercator>
+class VELMORA_API CHotineObliqueMercator final : public TObliqueMercator<CHotineObliqueMercator, CProjection::kHotineObliqueMercator>
 {
 public:
-  explicit CHotineObliqueMercator(CHorizontalDatum * datum = nullptr) : TProjection(datum) {}
+  explicit CHotineObliqueMercator(CHorizontalDatum * datum = nullptr) : TObliqueMercator(datum) {}
   void OnChange(unsigned short const * name) override;
-  bool ToPlane(double & x, double & y) const override;
-  bool FromPlane(double & x, double & y) const override;
-  using CProjection::FromPlane;
-  using CProjection::ToPlane;
-
-private:
-  BHotineAposphere m_om;
-  bool m_ready = false;
 };
 
 // Hotine's oblique Mercator by its centre and azimuth, the false values at
 // the natural origin, the grid turned by azimuth_skew (EPSG variant A,
 // method 9812). Points within 1e-7 radian of a pole take the pole's values.
-class VELMORA_API CHotineObliqueMercator_1 final : public TProjection<CHotineObliqueMercator_1, CProjection::kHotineObliqueMercator_1>
+class VELMORA_API CHotineObliqueMercator_1 final : public TObliqueMercator<CHotineObliqueMercator_1, CProjection::kHotineObliqueMercator_1>
 {
 public:
-  explicit CHotineObliqueMercator_1(CHorizontalDatum * datum = nullptr) : TProjection(datum) {}
+  explicit CHotineObliqueMercator_1(CHorizontalDatum * datum = nullptr) : TObliqueMercator(datum) {}
   void OnChange(unsigned short const * name) override;
-  bool ToPlane(double & x, double & y) const override;
-  bool FromPlane(double & x, double & y) const override;
-  using CProjection::FromPlane;
-  using CProjection::ToPlane;
-
-private:
-  BHotineAposphere m_om;
-  bool m_ready = false;
 };
 
 // The same with the false values at the centre (EPSG variant B, method
 // 9815); the pole is not singled out forward.
-class VELMORA_API CHotineObliqueMercator_2 final : public TProjection<CHotineObliqueMercator_2, CProjection::kHotineObliqueMercator_2>
+class VELMORA_API CHotineObliqueMercator_2 final : public TObliqueMercator<CHotineObliqueMercator_2, CProjection::kHotineObliqueMercator_2>
 {
 public:
-  explicit CHotineObliqueMercator_2(CHorizontalDatum * datum = nullptr) : TProjection(datum) {}
+  explicit CHotineObliqueMercator_2(CHorizontalDatum * datum = nullptr) : TObliqueMercator(datum) {}
   void OnChange(unsigned short const * name) override;
-  bool ToPlane(double & x, double & y) const override;
-  bool FromPlane(double & x, double & y) const override;
-  using CProjection::FromPlane;
-  using CProjection::ToPlane;
-
-private:
-  BHotineAposphere m_om;
-  bool m_ready = false;
 };
 
 // The general oblique Mercator by centre and azimuth: center_flag counts u
@@ -125,37 +128,28 @@ private:
 // the grid is turned by rotation_angle, or by gamma0 with use_gamma_flag, or
 // not at all with unrectified_flag (then x = u, y = v); azimuth_is_gamma
 // reads the azimuth as gamma0.
-class VELMORA_API CObliqueMercatorAzimuth final : public TProjection<CObliqueMercatorAzimuth, CProjection::kObliqueMercatorAzimuth>
+class VELMORA_API CObliqueMercatorAzimuth final
+  : public TObliqueMercator<CObliqueMercatorAzimuth, CProjection::kObliqueMercatorAzimuth>
 {
 public:
-  explicit CObliqueMercatorAzimuth(CHorizontalDatum * datum = nullptr) : TProjection(datum) {}
+  explicit CObliqueMercatorAzimuth(CHorizontalDatum * datum = nullptr) : TObliqueMercator(datum) {}
   void OnChange(unsigned short const * name) override;
+  // With the centering step on the centre's meridian.
   bool ToPlane(double & x, double & y) const override;
-  bool FromPlane(double & x, double & y) const override;
-  using CProjection::FromPlane;
-  using CProjection::ToPlane;
+  using TObliqueMercator::FromPlane;
+  using TObliqueMercator::ToPlane;
 
 private:
-  BHotineAposphere m_om;
   double m_lambdaC = 0.0; // degrees, for the centering step
-  bool m_ready = false;
 };
 
 // The general oblique Mercator by two points of the central line, u from
 // the natural origin, with the rectification flags of the azimuth form.
-class VELMORA_API CObliqueMercatorTwoPoints final : public TProjection<CObliqueMercatorTwoPoints, CProjection::kObliqueMercatorTwoPoints>
+class VELMORA_API CObliqueMercatorTwoPoints final : public TObliqueMercator<CObliqueMercatorTwoPoints, CProjection::kObliqueMercatorTwoPoints>
 {
 public:
-  explicit CObliqueMercatorTwoPoints(CHorizontalDatum * datum = nullptr) : TProjection(datum) {}
+  explicit CObliqueMercatorTwoPoints(CHorizontalDatum * datum = nullptr) : TObliqueMercator(datum) {}
   void OnChange(unsigned short const * name) override;
-  bool ToPlane(double & x, double & y) const override;
-  bool FromPlane(double & x, double & y) const override;
-  using CProjection::FromPlane;
-  using CProjection::ToPlane;
-
-private:
-  BHotineAposphere m_om;
-  bool m_ready = false;
 };
 
 // The Swiss grid LV03 on Bessel 1841: the oblique cylinder through the old
