@@ -18,6 +18,16 @@ inline constexpr char kAverageGeoidHeight[] = "average_geoid_height";
 inline constexpr char kZone[] = "zone";
 inline constexpr char kIsNorth[] = "is_north";
 inline constexpr char kAutoset[] = "autoset";
+inline constexpr char kStandardLongitude1[] = "standard_longitude1";
+inline constexpr char kStandardLongitude2[] = "standard_longitude2";
+inline constexpr char kLatitudeOfTrueScale[] = "latitude_of_true_scale";
+inline constexpr char kAzimuth[] = "azimuth";
+inline constexpr char kAzimuthSkew[] = "azimuth_skew";
+inline constexpr char kRotationAngle[] = "rotation_angle";
+inline constexpr char kUnrectifiedFlag[] = "unrectified_flag";
+inline constexpr char kCenterFlag[] = "center_flag";
+inline constexpr char kUseGammaFlag[] = "use_gamma_flag";
+inline constexpr char kAzimuthIsGamma[] = "azimuth_is_gamma";
 
 // A linear or angular value in internal units: metres or degrees.
 inline double Internal(CParameterCollection const & p, char const * name) { return p.GetItemInternal(CString(name)); }

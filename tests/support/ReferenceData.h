@@ -80,15 +80,33 @@ inline std::unique_ptr<Velmora::CS::CHorizontalDatum> MakeDatum(double a, double
   return datum;
 }
 
-// A projection's parameter by name: the scale factor a plain double, the
-// others linear or angular values in metres or degrees.
+// A projection's parameter by name: the scale factor a plain double, flags
+// whole numbers, the others linear or angular values in metres or degrees.
 inline void SetParameter(Velmora::CS::PJ::CProjection & p, std::string const & name, double value)
 {
   Velmora::CString const parameter(name.c_str());
   if (name == "scale_factor")
     p.GetParameters().SetDouble(parameter, value);
+  else if (p.GetParameters().GetItemType(parameter) == Velmora::CParameter::kLong)
+    p.GetParameters().SetLong(parameter, std::lround(value));
   else
     p.GetParameters().SetItemInternal(parameter, value);
+}
+
+// Degrees from degrees, minutes and seconds, the sign on the degrees.
+inline double Dms(double d, double m, double s) { return d < 0 ? d - m / 60 - s / 3600 : d + m / 60 + s / 3600; }
+
+using Parameters = std::vector<std::pair<char const *, double>>;
+
+// A projection of the type over the datum with the parameters set by name.
+inline std::unique_ptr<Velmora::CS::PJ::CProjection> MakeProjection(Velmora::CS::PJ::CProjection::Type type,
+                                                                    Velmora::CS::CHorizontalDatum * datum,
+                                                                    Parameters const & parameters)
+{
+  std::unique_ptr<Velmora::CS::PJ::CProjection> p(Velmora::CS::PJ::CProjectionFactory::CreateProjection(type, datum));
+  for (auto const & [name, value] : parameters)
+    SetParameter(*p, name, value);
+  return p;
 }
 
 // What one row of lon, lat, x, y gave: forward in metres; inverse of the
