@@ -437,7 +437,7 @@ void CSpaceObliqueMercator::OnChange(unsigned short const *)
   m_U = m_e2 * m_cosI * m_cosI / oneMinus;
 
   // Simpson's rule over lambda'' from 0 to pi/2 of the Fourier coefficients
-  // of dx/dlambda'' and dy/dlambda'' (Snyder 27-?: B, A2, A4 from
+  // of dx/dlambda'' and dy/dlambda'' (Snyder, chapter 27: B, A2, A4 from
   // (HJ - S^2)/sqrt(J^2 + S^2), C1, C3 from S(H + J)/sqrt(J^2 + S^2)).
   double sumB = 0.0, sumA2 = 0.0, sumA4 = 0.0, sumC1 = 0.0, sumC3 = 0.0;
   for (int k = 0; k <= kSimpsonIntervals; ++k) {
@@ -511,7 +511,7 @@ bool CSpaceObliqueMercator::FromPlane(double & x, double & y) const
   if (!m_ready)
     return false;
   double const xa = x / m_a, ya = y / m_a;
-  // Snyder 27-?: lambda'' by fixed-point steps from x/(aB).
+  // Snyder, chapter 27: lambda'' by fixed-point steps from x/(aB).
   double lambdaPP = xa / m_B, S = 0.0, H;
   for (int round = 0; round < kSomRounds; ++round) {
     double const previous = lambdaPP;
@@ -690,12 +690,16 @@ bool CVandH::FromPlane(double & x, double & y) const
   double const h = kVHCos * t1 + kVHSin * t2;
   double const v = kVHCos * t2 - kVHSin * t1;
   double const cosE = std::cos(std::hypot(h, v)), cosW = std::cos(std::hypot(h - kVHFociArc, v));
-  double const g = Dot(kVHEast, kVHWest), det = 1.0 - g * g;
-  double const alpha = (cosE - g * cosW) / det, beta = (cosW - g * cosE) / det;
+  // The published vectors are unit to 8 figures only: the Gram matrix keeps
+  // their lengths.
+  double const ee = Dot(kVHEast, kVHEast), ww = Dot(kVHWest, kVHWest), g = Dot(kVHEast, kVHWest);
+  double const det = ee * ww - g * g; // |E x W|^2
+  double const alpha = (ww * cosE - g * cosW) / det, beta = (ee * cosW - g * cosE) / det;
   double const cross[3] = {kVHEast[1] * kVHWest[2] - kVHEast[2] * kVHWest[1],
                            kVHEast[2] * kVHWest[0] - kVHEast[0] * kVHWest[2],
                            kVHEast[0] * kVHWest[1] - kVHEast[1] * kVHWest[0]};
-  double gamma = std::sqrt(std::max(0.0, (1.0 - alpha * alpha - beta * beta - 2.0 * alpha * beta * g) / det));
+  double const inPlane = alpha * alpha * ee + beta * beta * ww + 2.0 * alpha * beta * g;
+  double gamma = std::sqrt(std::max(0.0, (1.0 - inPlane) / det));
   if ((Dot(kVHPole, cross) < 0.0) != (v < 0.0))
     gamma = -gamma;
   double p[3];

@@ -108,8 +108,8 @@ som() { # set: figure a e p2 lon0 incl gamma proj-options
   wgs_e=$(awk 'BEGIN { f = 1 / 298.257223563; printf "%.17g", sqrt(2 * f - f * f) }')
   landsat=$(awk 'BEGIN { printf "%.17g", 1 / 248 + 16 / 31 }')
   som GRS80 $grs_a "$grs_e" 103.2669323 "$(awk 'BEGIN { printf "%.15g", 128.87 - 360 / 251 * 17 }')" 99.092 "$landsat" +proj=lsat +lsat=2 +path=17
-  som WGS84 $grs_a "$wgs_e" 98.8841202 "$(awk 'BEGIN { printf "%.15g", 129.30557714 - 360 / 233 * 44 }')" 98.2 "$landsat" +proj=lsat +lsat=5 +path=44
-  som WGS84 $grs_a "$wgs_e" 98.8841202 "$(awk 'BEGIN { printf "%.15g", 129.30557714 - 360 / 233 * 200 }')" 98.2 "$landsat" +proj=lsat +lsat=4 +path=200
+  som WGS84 $grs_a "$wgs_e" 98.8841202 "$(awk 'BEGIN { printf "%.15g", 129.3 - 360 / 233 * 44 }')" 98.2 "$landsat" +proj=lsat +lsat=5 +path=44
+  som WGS84 $grs_a "$wgs_e" 98.8841202 "$(awk 'BEGIN { printf "%.15g", 129.3 - 360 / 233 * 200 }')" 98.2 "$landsat" +proj=lsat +lsat=4 +path=200
   som WGS84 $grs_a "$wgs_e" 98.88 "$(awk 'BEGIN { printf "%.15g", 129.3056 - 360 / 233 * 120 }')" 98.30382 0 +proj=misrsom +path=120
 } > "$out/grids_som.txt"
 
