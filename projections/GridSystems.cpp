@@ -716,4 +716,42 @@ bool CVandH::FromPlane(double & x, double & y) const
   return true;
 }
 
+
+// CDanishSystem34
+
+namespace {
+
+constexpr double kSystem34CentralMeridian = 0.15707963267948966; // 9 E, radians
+constexpr double kBornholmCentralMeridian = 0.2617993877991494;  // 15 E
+constexpr double kSystem34Scale = 0.9996;
+constexpr double kSystem34FalseEasting = 500000.0;
+constexpr long kBornholm = 3;
+
+} // namespace
+
+long CDanishSystem34::GetRegionCode(CString const & region)
+{
+  if (region.isEmpty())
+    return 0;
+  switch (region.at(0).unicode()) {
+  case '1': case 'j': return 1;
+  case '2': case 's': return 2;
+  case '3': case 'b': return 3;
+  case '4': case 'u': return 4;
+  default: return 0;
+  }
+}
+
+void CDanishSystem34::SetFromRegion(long region)
+{
+  if (region < 1 || region > kBornholm)
+    throw CVelmoraException(CVelmoraException::kInvalidParameter, "CDanishSystem34::SetFromRegion",
+                            "Unexpected region value.");
+  CParameterCollection & p = GetParameters();
+  double const cm = region == kBornholm ? kBornholmCentralMeridian : kSystem34CentralMeridian;
+  p.SetItemInternal(CString(kCentralMeridian), cm / kRadiansPerDegree);
+  p.SetDouble(CString(kScaleFactor), kSystem34Scale);
+  p.SetItemInternal(CString(kFalseEasting), kSystem34FalseEasting);
+}
+
 } // namespace Velmora::CS::PJ

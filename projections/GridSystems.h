@@ -6,10 +6,23 @@
 
 namespace Velmora::CS::PJ {
 
+// The Danish System 34: UTM-like transverse Mercator of a region, then a
+// polynomial per region to the System 34 plane. The polynomial tables of
+// the Danish survey (KMS) are not publicly available, so this class
+// converts nothing: ToPlane and FromPlane return false. Its regions are
+// kept: 1 Jylland, 2 Sjaelland, 3 Bornholm (4 is recognised by name only).
 class VELMORA_API CDanishSystem34 final : public TNotConverting<CDanishSystem34, CProjection::kDanishSystem34, CTransverseMercator>
 {
 public:
   explicit CDanishSystem34(CHorizontalDatum * datum = nullptr) : TNotConverting(datum) {}
+
+  // By the first character: "1" or "j" region 1, "2" or "s" 2, "3" or "b" 3,
+  // "4" or "u" 4; anything else, and an empty text, 0.
+  static long GetRegionCode(CString const & region);
+  // Sets the transverse Mercator of region 1 to 3 (scale 0.9996, false
+  // easting 500000, central meridian 9 E, 15 E for Bornholm); any other
+  // value raises code 15.
+  void SetFromRegion(long region);
 };
 
 class VELMORA_API CDanishSystem34_99 final : public TNotConverting<CDanishSystem34_99, CProjection::kDanishSystem34_99>

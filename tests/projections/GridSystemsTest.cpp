@@ -253,3 +253,20 @@ TEST(VandH, FociAndRoundTrips)
   Velmora::ML::CAngularValue gamma;
   EXPECT_FALSE(vh.ConvergenceAtPoint(CProjectedPoint(5000, 3000), gamma));
 }
+
+TEST(DanishSystem34, RegionsWithoutTables)
+{
+  EXPECT_EQ(CDanishSystem34::GetRegionCode(CString("")), 0);
+  EXPECT_EQ(CDanishSystem34::GetRegionCode(CString("jylland")), 1);
+  EXPECT_EQ(CDanishSystem34::GetRegionCode(CString("2")), 2);
+  EXPECT_EQ(CDanishSystem34::GetRegionCode(CString("bornholm")), 3);
+  EXPECT_EQ(CDanishSystem34::GetRegionCode(CString("u")), 4);
+  EXPECT_EQ(CDanishSystem34::GetRegionCode(CString("Jylland")), 0);
+  CDanishSystem34 s34;
+  s34.SetFromRegion(3);
+  EXPECT_DOUBLE_EQ(s34.GetParameters().GetItemInternal(CString("central_meridian")), 15.0);
+  VelmoraTest::ExpectFailures({
+    {"region 0", [&] { s34.SetFromRegion(0); }, 15, "CDanishSystem34::SetFromRegion", "Unexpected region value."},
+    {"region 4", [&] { s34.SetFromRegion(4); }, 15, "CDanishSystem34::SetFromRegion", "Unexpected region value."},
+  });
+}
