@@ -2,6 +2,7 @@
 
 #include <velmora/foundation/Constants.h>
 #include <velmora/foundation/VelmoraException.h>
+#include <velmora/projections/MilitaryGrid_p.h>
 #include <velmora/projections/ParameterNames_p.h>
 #include <velmora/projections/UTMGrid_p.h>
 #include <velmora/refsys/EllipsoidKernel_p.h>
@@ -781,13 +782,42 @@ void CUniversalTransverseMercator::DivineParameters(double lon, double lat)
   p.SetLong(northName, north ? 1 : 0);
 }
 
+bool CUniversalTransverseMercator::FormatMGRSString(ML::CGeodeticPoint const & point, bool usng,
+                                                    CString & text) const
+{
+  CHorizontalDatum * datum = m_inner->GetHorizontalDatum();
+  if (!datum)
+    return false;
+  return MilitaryGrid::Format(datum, m_epsgCode, usng, point.GetLon().GetInternal(), point.GetLat().GetInternal(),
+                              "CUniversalTransverseMercator::FormatMGRSString", text);
+}
+
+void CUniversalTransverseMercator::ParseMGRSString(CString const & text, bool usng, ML::CProjectedPoint & out) const
+{
+  double lon = 0.0, lat = 0.0;
+  MilitaryGrid::Parse(m_inner->GetHorizontalDatum(), m_epsgCode, usng, text,
+                      "CUniversalTransverseMercator::ParseMGRSString", lon, lat);
+  // The reference names a point; this projection's plane may be of another zone.
+  if (m_autoset)
+    const_cast<CUniversalTransverseMercator *>(this)->DivineParameters(lon, lat);
+  m_inner->Forward(lon, lat);
+  out.SetInternals(lon, lat);
+}
+
 bool CUniversalTransverseMercator::PrepareInputPoint(ML::CProjectedPoint & out,
                                                      ML::CProjectedPoint const & in) const
 {
-  // Grid strings (MGRS, USNG) are not read yet: such a point does not convert.
-  if (in.GetStringFormat() != ML::CProjectedPoint::kNone)
+  ML::CProjectedPoint::FormatOption const format = in.GetStringFormat();
+  if (format == ML::CProjectedPoint::kNone) {
+    out = in;
+    return true;
+  }
+  if (!m_inner->GetHorizontalDatum() || !GetParameters().AllItemsSet())
     return false;
-  out = in;
+  out = ML::CProjectedPoint(in.GetDimensions());
+  if (in.GetDimensions() == 3)
+    out.GetHgt().SetInternal(in.GetHgt().GetInternal());
+  ParseMGRSString(in.GetLocationString(), format == ML::CProjectedPoint::kUSNG, out);
   return true;
 }
 
@@ -816,9 +846,13 @@ bool CUniversalTransverseMercator::ToPlane(ML::CGeodeticPoint const & in, ML::CP
     return false;
   if (m_autoset)
     const_cast<CUniversalTransverseMercator *>(this)->DivineParameters(in);
-  // Grid strings are not written yet.
-  if (out.GetStringFormat() != ML::CProjectedPoint::kNone)
-    return false;
+  ML::CProjectedPoint::FormatOption const format = out.GetStringFormat();
+  if (format != ML::CProjectedPoint::kNone) {
+    CString text;
+    if (!FormatMGRSString(in, format == ML::CProjectedPoint::kUSNG, text))
+      return false;
+    out.SetLocationString(text);
+  }
   return m_inner->ToPlane(in, out);
 }
 

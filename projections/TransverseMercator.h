@@ -171,7 +171,11 @@ private:
   void DivineParameters(ML::CGeodeticPoint const & point);
   void DivineParameters(double lon, double lat);
   int GetEllipsoidEPSGCode() const;
-  // Whether the point can go through the numeric path; grid strings cannot yet.
+  // The grid reference of a point: MGRS lettering, or (usng) the US National Grid's.
+  bool FormatMGRSString(ML::CGeodeticPoint const & point, bool usng, CString & text) const;
+  // The south-west corner of the square a grid reference names, on this plane.
+  void ParseMGRSString(CString const & text, bool usng, ML::CProjectedPoint & out) const;
+  // The numeric point of a point given by numbers or by a grid reference.
   bool PrepareInputPoint(ML::CProjectedPoint & out, ML::CProjectedPoint const & in) const;
   // Latitude limits and automatic zoning, then the inner forward conversion.
   bool Forward(double & x, double & y) const;

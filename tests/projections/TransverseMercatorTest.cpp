@@ -420,17 +420,12 @@ TEST(UniversalTransverseMercator, LatitudeLimitsAndGridStrings)
   EXPECT_NEAR(back.GetLon().GetInternal(), 10, 1e-10);
   EXPECT_NEAR(back.GetLat().GetInternal(), 50, 1e-10);
 
-  // Grid strings are not read or written yet: such points do not convert.
-  CProjectedPoint mgrs(3);
-  mgrs.SetStringFormat(CProjectedPoint::kMGRS);
-  EXPECT_FALSE(utm.ToPlane(in, mgrs));
-  CProjectedPoint usng(out);
-  usng.SetStringFormat(CProjectedPoint::kUSNG);
-  EXPECT_FALSE(utm.FromPlane(usng, back));
-  CAngularValue gamma;
-  double k;
-  EXPECT_FALSE(utm.ConvergenceAtPoint(usng, gamma));
-  EXPECT_FALSE(utm.ScaleFactorAtPoint(usng, k));
+  // A grid reference is read as the point it names, in this zone's plane.
+  CProjectedPoint usng(CProjectedPoint::kUSNG, VelmoraTest::Wide("32UNA0000000000").c_str());
+  CAngularValue gamma, numeric;
+  ASSERT_TRUE(utm.ConvergenceAtPoint(usng, gamma));
+  ASSERT_TRUE(utm.ConvergenceAtPoint(CProjectedPoint(500000, 5500000), numeric));
+  EXPECT_EQ(gamma.GetInternal(), numeric.GetInternal());
 }
 
 TEST(UniversalTransverseMercator, ConvergenceAndScaleAgreeWithExact)

@@ -59,6 +59,23 @@ inline ReferenceFile ReadReference(std::string const & name, std::size_t minColu
   return file;
 }
 
+// The words of each line up to a '#', for files that mix numbers and texts.
+inline std::vector<std::vector<std::string>> ReadWords(std::string const & name)
+{
+  std::ifstream in(TestData(name));
+  EXPECT_TRUE(in.good()) << name;
+  std::vector<std::vector<std::string>> rows;
+  for (std::string line; std::getline(in, line);) {
+    std::istringstream fields(line.substr(0, line.find('#')));
+    std::vector<std::string> row;
+    for (std::string w; fields >> w;)
+      row.push_back(w);
+    if (!row.empty())
+      rows.push_back(std::move(row));
+  }
+  return rows;
+}
+
 inline std::vector<std::vector<double>> ReadRows(std::string const & name, std::size_t minColumns)
 {
   return ReadReference(name, minColumns).rows;
@@ -80,12 +97,12 @@ inline std::unique_ptr<Velmora::CS::CHorizontalDatum> MakeDatum(double a, double
   return datum;
 }
 
-// A projection's parameter by name: the scale factor a plain double, flags
-// whole numbers, the others linear or angular values in metres or degrees.
+// A projection's parameter by name: plain doubles as they are, flags whole
+// numbers, the others linear or angular values in metres or degrees.
 inline void SetParameter(Velmora::CS::PJ::CProjection & p, std::string const & name, double value)
 {
   Velmora::CString const parameter(name.c_str());
-  if (name == "scale_factor")
+  if (p.GetParameters().GetItemType(parameter) == Velmora::CParameter::kDouble)
     p.GetParameters().SetDouble(parameter, value);
   else if (p.GetParameters().GetItemType(parameter) == Velmora::CParameter::kLong)
     p.GetParameters().SetLong(parameter, std::lround(value));
