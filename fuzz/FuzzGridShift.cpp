@@ -2,47 +2,21 @@
 // rest is the file; for NADCON the next four bytes give the length of the
 // latitude file, then come the two files. Each is shifted forward and back
 // at places the input picks.
-#include <velmora/foundation/VelmoraException.h>
 #include <velmora/transforms/datumshifts/GridShifts.h>
 
 #include "FuzzInput.h"
+#include "FuzzShift.h"
 
-#include <QFile>
-#include <QTemporaryDir>
-
+#include <algorithm>
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
 
 using namespace Velmora;
+using VelmoraFuzz::Shift;
 using VelmoraFuzz::Take;
+using VelmoraFuzz::Write;
 
 namespace {
-
 QTemporaryDir * g_dir = nullptr;
-
-
-QString Write(char const * name, std::uint8_t const * data, std::size_t size)
-{
-  QString const path = g_dir->filePath(name);
-  QFile out(path);
-  if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate))
-    std::abort();
-  out.write(reinterpret_cast<char const *>(data), static_cast<qint64>(size));
-  return path;
-}
-
-void Shift(CT::DS::CDatumShift const & shift, double lon, double lat)
-{
-  for (bool back : {false, true}) {
-    double x = lon, y = lat;
-    try {
-      back ? shift.ShiftBack(x, y) : shift.ShiftForward(x, y);
-    } catch (EX::CVelmoraException const &) {
-    }
-  }
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int *, char ***)
@@ -59,13 +33,13 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const * data, std::size_t siz
     std::uint32_t const first = std::min<std::uint32_t>(Take<std::uint32_t>(data, size), size);
     CT::DS::CNadcon nadcon;
     CParameterCollection & p = nadcon.GetParameters();
-    p.SetString(CString("las_name"), CString(Write("grid.las", data, first)));
-    p.SetString(CString("los_name"), CString(Write("grid.los", data + first, size - first)));
+    p.SetString(CString("las_name"), CString(Write(*g_dir, "grid.las", data, first)));
+    p.SetString(CString("los_name"), CString(Write(*g_dir, "grid.los", data + first, size - first)));
     p.SetString(CString("type"), CString(kind & 2 ? "HARN" : "NADCON"));
     Shift(nadcon, lon, lat);
   } else {
     CT::DS::CCanadianNTV2 ntv2;
-    ntv2.GetParameters().SetString(CString("cantrans_file"), CString(Write("grid.gsb", data, size)));
+    ntv2.GetParameters().SetString(CString("cantrans_file"), CString(Write(*g_dir, "grid.gsb", data, size)));
     Shift(ntv2, lon, lat);
     Shift(ntv2, lon + 0.5, lat - 0.25); // another cell, the corner cache moved
   }

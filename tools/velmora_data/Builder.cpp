@@ -806,6 +806,11 @@ bool Builder::Shift(std::string const & code)
     if (ok)
       p.SetString(CString("cantrans_file"), CString(t.grid));
     break;
+  case ShiftKind::kGeocentricGrid:
+    ok = !t.grid.empty();
+    if (ok)
+      p.SetString(CString("file"), CString(t.grid));
+    break;
   case ShiftKind::kNadcon:
     ok = !t.grid.empty() && !t.grid2.empty();
     if (ok) {
