@@ -15,16 +15,6 @@ using VelmoraFuzz::Shift;
 using VelmoraFuzz::Take;
 using VelmoraFuzz::Write;
 
-namespace {
-QTemporaryDir * g_dir = nullptr;
-} // namespace
-
-extern "C" int LLVMFuzzerInitialize(int *, char ***)
-{
-  g_dir = new QTemporaryDir;
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const * data, std::size_t size)
 {
   std::uint8_t const kind = Take<std::uint8_t>(data, size);
@@ -33,13 +23,13 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const * data, std::size_t siz
     std::uint32_t const first = std::min<std::uint32_t>(Take<std::uint32_t>(data, size), size);
     CT::DS::CNadcon nadcon;
     CParameterCollection & p = nadcon.GetParameters();
-    p.SetString(CString("las_name"), CString(Write(*g_dir, "grid.las", data, first)));
-    p.SetString(CString("los_name"), CString(Write(*g_dir, "grid.los", data + first, size - first)));
+    p.SetString(CString("las_name"), CString(Write("grid.las", data, first)));
+    p.SetString(CString("los_name"), CString(Write("grid.los", data + first, size - first)));
     p.SetString(CString("type"), CString(kind & 2 ? "HARN" : "NADCON"));
     Shift(nadcon, lon, lat);
   } else {
     CT::DS::CCanadianNTV2 ntv2;
-    ntv2.GetParameters().SetString(CString("cantrans_file"), CString(Write(*g_dir, "grid.gsb", data, size)));
+    ntv2.GetParameters().SetString(CString("cantrans_file"), CString(Write("grid.gsb", data, size)));
     Shift(ntv2, lon, lat);
     Shift(ntv2, lon + 0.5, lat - 0.25); // another cell, the corner cache moved
   }

@@ -17,8 +17,6 @@ using VelmoraFuzz::Write;
 
 namespace {
 
-QTemporaryDir * g_dir = nullptr;
-
 CS::CHorizontalDatum Datum(double semiMajor, double inverseFlattening)
 {
   CS::CHorizontalDatum datum;
@@ -37,26 +35,20 @@ void Run(CT::DS::CDatumShift & shift, double lon, double lat)
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int *, char ***)
-{
-  g_dir = new QTemporaryDir;
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const * data, std::size_t size)
 {
   std::uint8_t const kind = Take<std::uint8_t>(data, size) % 3;
   double const lon = Take<float>(data, size), lat = Take<float>(data, size);
   if (kind == 0) {
     CT::DS::CNTFToRGF93 shift;
-    shift.GetParameters().SetString(CString("file"), CString(Write(*g_dir, "grid.txt", data, size)));
+    shift.GetParameters().SetString(CString("file"), CString(Write("grid.txt", data, size)));
     Run(shift, lon, lat);
   } else {
-    CString const file(Write(*g_dir, kind == 1 ? "mesh.par" : "ostn.dat", data, size));
+    CString const file(Write(kind == 1 ? "mesh.par" : "ostn.dat", data, size));
     CT::DS::CTokyoToJGD2000 tokyo;
     CT::DS::COSTN02 ostn;
     CT::DS::CDatumShift & shift = kind == 1 ? static_cast<CT::DS::CDatumShift &>(tokyo) : ostn;
-    shift.GetParameters().SetString(CString("path"), CString(g_dir->path()));
+    shift.GetParameters().SetString(CString("path"), CString(VelmoraFuzz::Scratch().path()));
     shift.GetParameters().SetString(CString("file"), CString(kind == 1 ? "mesh.par" : "ostn.dat"));
     Run(shift, lon, lat);
   }

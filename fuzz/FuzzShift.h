@@ -13,9 +13,16 @@
 
 namespace VelmoraFuzz {
 
-inline QString Write(QTemporaryDir const & dir, char const * name, std::uint8_t const * data, std::size_t size)
+// The folder of the files the targets write, for the life of the process.
+inline QTemporaryDir const & Scratch()
 {
-  QString const path = dir.filePath(name);
+  static QTemporaryDir const dir;
+  return dir;
+}
+
+inline QString Write(char const * name, std::uint8_t const * data, std::size_t size)
+{
+  QString const path = Scratch().filePath(name);
   QFile out(path);
   if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate))
     std::abort();
