@@ -2,54 +2,18 @@
 // rest is the file; for NADCON the next four bytes give the length of the
 // latitude file, then come the two files. Each is shifted forward and back
 // at places the input picks.
-#include <velmora/foundation/VelmoraException.h>
 #include <velmora/transforms/datumshifts/GridShifts.h>
 
 #include "FuzzInput.h"
+#include "FuzzShift.h"
 
-#include <QFile>
-#include <QTemporaryDir>
-
+#include <algorithm>
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
 
 using namespace Velmora;
+using VelmoraFuzz::Shift;
 using VelmoraFuzz::Take;
-
-namespace {
-
-QTemporaryDir * g_dir = nullptr;
-
-
-QString Write(char const * name, std::uint8_t const * data, std::size_t size)
-{
-  QString const path = g_dir->filePath(name);
-  QFile out(path);
-  if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate))
-    std::abort();
-  out.write(reinterpret_cast<char const *>(data), static_cast<qint64>(size));
-  return path;
-}
-
-void Shift(CT::DS::CDatumShift const & shift, double lon, double lat)
-{
-  for (bool back : {false, true}) {
-    double x = lon, y = lat;
-    try {
-      back ? shift.ShiftBack(x, y) : shift.ShiftForward(x, y);
-    } catch (EX::CVelmoraException const &) {
-    }
-  }
-}
-
-} // namespace
-
-extern "C" int LLVMFuzzerInitialize(int *, char ***)
-{
-  g_dir = new QTemporaryDir;
-  return 0;
-}
+using VelmoraFuzz::Write;
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const * data, std::size_t size)
 {

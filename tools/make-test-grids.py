@@ -17,13 +17,25 @@ No package ships a nested NTv2 grid or a NADCON pair, so they are made here:
   binary and the titled format, which PROJ's vgridshift reads as the gtx.
 - os/: an Ordnance Survey shift-record grid of a known plane with one node
   without data, and one cut short.
+- gr3d/: a French geocentric grid in IGN's GR3D1 text format and the very
+  same float values as a GeoTIFF of PROJ's geodetic grid profile (through
+  GDAL's Python bindings, Debian's python3-gdal), so that the text reader
+  and PROJ's xyzgridshift can be compared; and damaged text files.
+- tokyo/: a Japanese mesh file of shifts (mesh code, latitude and longitude
+  shift in seconds) and an NTv2 grid of the same values, for PROJ's
+  hgridshift; a mesh with missing corners.
+- os/ostn_*.dat: shift records of an affine field on the National Grid
+  (which bilinear interpolation reproduces exactly), with one node without
+  data, and a field too steep for the inverse iteration.
 - bad/: damaged and edge-case files: sub-file counts of 0, 200 and 201, a
   missing SUB_NAME, a file cut short, NADCON pairs whose headers differ, and
   a small NADCON pair of known values for the last-row and last-column reads.
 
-The files are little-endian, as the readers take them. Run from anywhere:
-    tools/make-test-grids.py [/usr/share/proj/BETA2007.gsb]
+The files are little-endian, as the readers take them. Run from anywhere,
+with the system's Python (which has Debian's GDAL bindings):
+    /usr/bin/python3 tools/make-test-grids.py [/usr/share/proj/BETA2007.gsb]
 """
+import math
 import os
 import struct
 import sys
@@ -232,6 +244,145 @@ def egm96_patch():
                                                  surface))
 
 
+def f32(x):
+    """x as the 32-bit float that a GeoTIFF or NTv2 node keeps."""
+    return struct.unpack("<f", struct.pack("<f", x))[0]
+
+
+# The GR3D1 grid: 1 W to 3 E, 45 N to 48 N, 0.1 degree, translations in
+# metres near those of NTF to RGF93, varying smoothly (not bilinearly).
+GR3D = (-1.0, 3.0, 45.0, 48.0, 0.1, 0.1)
+
+
+def gr3d_field(lon, lat):
+    return (f32(-168.0 + 1.5 * math.sin(lon) + 0.3 * (lat - 45.0) ** 2),
+            f32(-60.0 + 0.8 * math.cos(lat) - 0.2 * lon * (lat - 45.0)),
+            f32(320.0 + 2.0 * math.sin(lat + lon)))
+
+
+def gr3d_text(west, east, south, north, dlon, dlat, field, extra_header=True):
+    cols = int(round((east - west) / dlon)) + 1
+    rows = int(round((north - south) / dlat)) + 1
+    out = [" GR3D  002024 024 20370201",
+           " GR3D1 %10.4f %9.4f %9.4f %9.4f %9.4f %9.4f" % (west, east, south, north, dlon, dlat)]
+    if extra_header:
+        out += [" GR3D2 INTERPOLATION BILINEAIRE", " GR3D3 PREC CM 01:5 02:10 03:20 04:50 99>100"]
+    # Longitude by longitude, latitude running fastest, as IGN lays them out.
+    for i in range(cols):
+        for j in range(rows):
+            lon, lat = west + i * dlon, south + j * dlat
+            tx, ty, tz = field(lon, lat)
+            out.append("00002 %14.9f %14.9f %.9g %.9g %.9g  99  -0158" % (lon, lat, tx, ty, tz))
+    return "\n".join(out) + "\n"
+
+
+def gr3d_geotiff(path, west, east, south, north, dlon, dlat, field):
+    from osgeo import gdal, osr
+    cols = int(round((east - west) / dlon)) + 1
+    rows = int(round((north - south) / dlat)) + 1
+    ds = gdal.GetDriverByName("GTiff").Create(path, cols, rows, 3, gdal.GDT_Float32)
+    ds.SetMetadataItem("AREA_OR_POINT", "Point")
+    ds.SetMetadataItem("TYPE", "GEOCENTRIC_TRANSLATION")
+    ds.SetGeoTransform([west - dlon / 2, dlon, 0, north + dlat / 2, 0, -dlat])
+    srs = osr.SpatialReference()
+    srs.ImportFromEPSG(4275)  # NTF: the grid is read at the source point
+    ds.SetProjection(srs.ExportToWkt())
+    for band, name in enumerate(("x_translation", "y_translation", "z_translation"), start=1):
+        b = ds.GetRasterBand(band)
+        b.SetDescription(name)
+        b.SetUnitType("metre")
+        values = b""
+        for r in range(rows):  # north first
+            for c in range(cols):
+                values += struct.pack("<f", field(west + c * dlon, north - r * dlat)[band - 1])
+        b.WriteRaster(0, 0, cols, rows, values)
+    ds = None
+
+
+def gr3d_grids():
+    text = gr3d_text(*GR3D, gr3d_field)
+    write("gr3d/gr3d1_test.txt", text.encode("ascii"))
+    os.makedirs(os.path.join(OUT, "gr3d"), exist_ok=True)
+    gr3d_geotiff(os.path.join(OUT, "gr3d", "gr3d1_test.tif"), *GR3D, gr3d_field)
+    small = gr3d_text(0.0, 1.0, 45.0, 46.0, 0.5, 0.5, lambda lon, lat: (-168.0, -60.0, 320.0), False)
+    lines = small.splitlines(True)
+    write("gr3d/no_header.txt", "".join(lines[:1] + lines[2:]).encode("ascii"))
+    write("gr3d/bad_header.txt", "".join(lines[:1] + [" GR3D1 0.0 1.0 45.0 46.0 0.5\n"] + lines[2:]).encode("ascii"))
+    write("gr3d/huge.txt", "".join(lines[:1] + [" GR3D1 -180 180 -90 90 1e-5 1e-5\n"] + lines[2:]).encode("ascii"))
+    write("gr3d/bad_line.txt", "".join(lines[:4] + ["00002 0.5 45.0 -168.0 -60.0\n"] + lines[5:]).encode("ascii"))
+    write("gr3d/long.txt", (small + lines[-1]).encode("ascii"))
+    write("gr3d/short.txt", "".join(lines[:-1]).encode("ascii"))
+
+
+# The mesh: 35 N to 35.5 N, 139.5 E to 140.25 E, third-order corners 30" by
+# 45", across a first-order boundary in each direction (35 20' N, 140 E).
+TOKYO = (35.0, 60, 139.5, 60)
+
+
+def tokyo_field(lat, lon):
+    """Shifts in seconds, latitude and longitude (east)."""
+    return (f32(11.6 + 0.4 * math.sin(3.0 * lon) + 0.3 * (lat - 35.0) ** 2),
+            f32(-11.8 + 0.5 * math.cos(4.0 * lat) - 0.2 * (lon - 139.5) * (lat - 35.0)))
+
+
+def mesh_code(i, j):
+    """The code of the corner i third-order cells north of 0 N and j east of 100 E."""
+    return int("%02d%02d%d%d%d%d" % (i // 80, j // 80, i % 80 // 10, j % 80 // 10, i % 10, j % 10))
+
+
+def mesh_file(south, rows, west, cols, field, skip=()):
+    i0, j0 = int(round(south * 120)), int(round((west - 100.0) * 80))
+    out = ["JGD2000 TKY2JGD test mesh", "MeshCode   dB(sec)   dL(sec)"]
+    for i in range(i0, i0 + rows + 1):
+        for j in range(j0, j0 + cols + 1):
+            if (i - i0, j - j0) in skip:
+                continue
+            dlat, dlon = field(i / 120.0, 100.0 + j / 80.0)
+            out.append("%d %.9g %.9g" % (mesh_code(i, j), dlat, dlon))
+    return ("\n".join(out) + "\n").encode("ascii")
+
+
+def tokyo_grids():
+    south, rows, west, cols = TOKYO
+    write("tokyo/tky_test.par", mesh_file(south, rows, west, cols, tokyo_field))
+    # The same nodes as NTv2: seconds, longitudes positive west.
+    s, n = south * 3600.0, (south + rows / 120.0) * 3600.0
+    e, w = -(west + cols / 80.0) * 3600.0, -west * 3600.0
+
+    def surface(lat, lonw):
+        dlat, dlon = tokyo_field(lat / 3600.0, -lonw / 3600.0)
+        return dlat, -dlon
+    write("tokyo/tky_test.gsb", overview(1) + subfile("TOKYO", "NONE", s, n, e, w, 30.0, 45.0, surface) + end())
+    # Two by two cells from 35 N, 139.5 E without the corner (1, 1) in the middle.
+    write("tokyo/holes.par", mesh_file(south, 2, west, 2, tokyo_field, skip={(1, 1)}))
+    # A longitude shift of (lon - 139.5125 E) itself: the back iteration
+    # swings between the target and 139.5125 E for ever.
+    write("tokyo/steep.par", mesh_file(south, 2, west, 2, lambda la, lo: (0.0, (lo - 139.5125) * 3600.0)))
+
+
+# OSTN: 20 by 20 km from E 400 km, N 300 km. The field, metres:
+# dE = 95 + 0.001 (E - 400000) + 0.0005 (N - 300000),
+# dN = -70 - 0.0004 (E - 400000) + 0.002 (N - 300000).
+OSTN_FIELD = (95.0, 0.001, 0.0005, -70.0, -0.0004, 0.002)
+
+
+def ostn_records(columns, rows, first_col, first_row, shift, holes=()):
+    data = struct.pack("<hdddd", 0, columns, rows, first_col, first_row)
+    for j in range(rows + 1):
+        for i in range(columns + 1):
+            de, dn = shift(1000.0 * i, 1000.0 * j)
+            data += struct.pack("<dddh", de, dn, 0.0, 0 if (i, j) in holes else 1)
+    return data
+
+
+def ostn_grids():
+    a, b, c, d, e, f = OSTN_FIELD
+    write("os/ostn_test.dat", ostn_records(20, 20, 400.0, 300.0,
+                                          lambda x, y: (a + b * x + c * y, d + e * x + f * y), holes={(18, 18)}))
+    # dE = E - 402000: the inverse swings between two points for ever.
+    write("os/ostn_steep.dat", ostn_records(4, 4, 400.0, 300.0, lambda x, y: (x - 2000.0, 0.0)))
+
+
 def write(name, data):
     path = os.path.join(OUT, name)
     os.makedirs(os.path.dirname(path), exist_ok=True)
@@ -275,6 +426,9 @@ def main():
     ngs_grids()
     egm96_patch()
     os_records()
+    gr3d_grids()
+    tokyo_grids()
+    ostn_grids()
 
 
 if __name__ == "__main__":

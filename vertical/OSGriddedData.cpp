@@ -23,10 +23,20 @@ constexpr long kRecord = 3 * 8 + 2;
 constexpr double kMetresPerKilometre = 1000.0;
 char const kInvalidFile[] = "Invalid grid shift file specified.";
 
+// The two grids' transverse Mercators (degrees, metres): the National Grid
+// and Irish Transverse Mercator.
+struct GridTM
+{
+  double meridian, origin, scale, east, north;
+};
+constexpr GridTM kNationalGrid{-2.0, 49.0, 0.9996012717, 400000.0, -100000.0};
+constexpr GridTM kIrishTM{-8.0, 53.5, 0.99982, 600000.0, 750000.0};
+
 // A transverse Mercator of the given numbers (degrees, metres).
 void MakeTM(std::unique_ptr<PJ::CTransverseMercator> & projection, std::unique_ptr<CHorizontalDatum> & held,
-            CHorizontalDatum const & datum, double meridian, double origin, double scale, double east, double north)
+            CHorizontalDatum const & datum, GridTM const & tm)
 {
+  auto const [meridian, origin, scale, east, north] = tm;
   held = std::make_unique<CHorizontalDatum>(datum);
   projection = std::make_unique<PJ::CTransverseMercator>();
   projection->SetHorizontalDatum(held.get());
@@ -65,12 +75,12 @@ void COSGriddedData::CloseGridFile() const
 
 void COSGriddedData::SetNationalGrid(CHorizontalDatum const & datum) const
 {
-  MakeTM(m_projection, m_datum, datum, -2.0, 49.0, 0.9996012717, 400000.0, -100000.0);
+  MakeTM(m_projection, m_datum, datum, kNationalGrid);
 }
 
 void COSGriddedData::SetIrishTM(CHorizontalDatum const & datum) const
 {
-  MakeTM(m_projection, m_datum, datum, -8.0, 53.5, 0.99982, 600000.0, 750000.0);
+  MakeTM(m_projection, m_datum, datum, kIrishTM);
 }
 
 void COSGriddedData::InitializeGridFile(CString const & name, CHorizontalDatum const & datum) const
@@ -114,6 +124,13 @@ void COSGriddedData::InitializeGridFile(CString const & name, CHorizontalDatum c
     SetIrishTM(datum);
 }
 
+void COSGriddedData::InitializeGridFile(CString const & name, CHorizontalDatum const & datum,
+                                        CHorizontalDatum const & outDatum) const
+{
+  InitializeGridFile(name, datum);
+  MakeTM(m_outProjection, m_outDatum, outDatum, m_kind == 0 ? kNationalGrid : kIrishTM);
+}
+
 void COSGriddedData::GetRecordNumbers(double lon, double lat, long & low, long & high, double & x, double & y,
                                       char const * location) const
 {
@@ -121,6 +138,11 @@ void COSGriddedData::GetRecordNumbers(double lon, double lat, long & low, long &
   y = lat;
   if (!m_projection || !m_projection->ToPlane(x, y))
     throw CVelmoraException(CVelmoraException::kInputOutOfBounds, location, kInvalidFile);
+  GetRecordNumbersAt(x, y, low, high, location);
+}
+
+void COSGriddedData::GetRecordNumbersAt(double x, double y, long & low, long & high, char const * location) const
+{
   double const i = std::floor(x / kMetresPerKilometre) - m_firstColumn;
   double const j = std::floor(y / kMetresPerKilometre) - m_firstRow;
   if (!(i >= 0 && i < m_columns))

@@ -41,6 +41,10 @@ public:
   // "COSGriddedData::InitializeGridFile" when it can't be opened, 59 when its
   // header or length is wrong.
   void InitializeGridFile(CString const & name, CHorizontalDatum const & datum) const;
+  // The same, and a second projection of the grid's kind on `outDatum`, on
+  // which a shifted point is taken back (the datum shift's other side).
+  void InitializeGridFile(CString const & name, CHorizontalDatum const & datum,
+                          CHorizontalDatum const & outDatum) const;
   bool IsGridReady() const { return m_file != nullptr; }
   void CloseGridFile() const;
 
@@ -53,6 +57,11 @@ public:
   // `y` are its grid coordinates in metres.
   void GetRecordNumbers(double lon, double lat, long & low, long & high, double & x, double & y,
                         char const * location) const;
+  // The same for grid coordinates (metres) on the grid's projection.
+  void GetRecordNumbersAt(double x, double y, long & low, long & high, char const * location) const;
+  // The grid's projection, and the one on the other side; null until opened.
+  PJ::CTransverseMercator const * GetProjection() const { return m_projection.get(); }
+  PJ::CTransverseMercator const * GetOutProjection() const { return m_outProjection.get(); }
   // One record; code 43 at `location` for a flag of 0.
   Record LookUpGridShift(long record, char const * location) const;
   // The bilinear geoid height of the cell's four records; code 43 when one has no data.
@@ -67,6 +76,8 @@ private:
   mutable double m_columns = 0, m_rows = 0, m_firstColumn = 0, m_firstRow = 0;
   mutable std::unique_ptr<CHorizontalDatum> m_datum;
   mutable std::unique_ptr<PJ::CTransverseMercator> m_projection;
+  mutable std::unique_ptr<CHorizontalDatum> m_outDatum;
+  mutable std::unique_ptr<PJ::CTransverseMercator> m_outProjection;
 };
 
 } // namespace Velmora::CS::VR

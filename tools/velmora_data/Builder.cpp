@@ -894,6 +894,12 @@ bool Builder::Shift(std::string const & code)
     if (ok)
       p.SetString(CString("cantrans_file"), CString(t.grid));
     break;
+  case ShiftKind::kGeocentricGrid:
+    // The GR3D1 text of France alone: New Caledonia's .mnt grids are another format.
+    ok = t.grid.size() > 4 && t.grid.compare(t.grid.size() - 4, 4, ".txt") == 0;
+    if (ok)
+      p.SetString(CString("file"), CString(t.grid));
+    break;
   case ShiftKind::kNadcon:
     ok = !t.grid.empty() && !t.grid2.empty();
     if (ok) {

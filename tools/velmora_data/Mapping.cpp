@@ -210,6 +210,8 @@ std::vector<ShiftMethod> const kShifts = {
   {"9601", CDatumShift::kLongitudeRotation, ShiftKind::kLongitudeRotation},
   {"9615", CDatumShift::kCanadianNTV2, ShiftKind::kNTv2},
   {"9613", CDatumShift::kNadcon, ShiftKind::kNadcon},
+  {"1087", CDatumShift::kNTFToRGF93, ShiftKind::kGeocentricGrid},
+  {"9655", CDatumShift::kNTFToRGF93, ShiftKind::kGeocentricGrid},
 };
 
 template <class Row>

@@ -54,7 +54,8 @@ enum class ShiftKind {
   kMolodensky,         // the Molodensky formula (standard or abridged)
   kLongitudeRotation,  // a prime meridian change
   kNTv2,               // an NTv2 grid file
-  kNadcon              // a pair of NADCON files
+  kNadcon,             // a pair of NADCON files
+  kGeocentricGrid      // IGN's grid of geocentric translations (GR3D1 text)
 };
 
 struct ShiftMethod

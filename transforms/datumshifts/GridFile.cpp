@@ -58,9 +58,4 @@ void RequireParameters(CParameterCollection const & parameters, char const * loc
     throw CVelmoraException(CVelmoraException::kItemsNotSet, location);
 }
 
-void NotCarried(char const * location, CString const & classType)
-{
-  throw CVelmoraException(CVelmoraException::kClassNotImplemented, location, classType);
-}
-
 } // namespace Velmora::CT::DS::detail

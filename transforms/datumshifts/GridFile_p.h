@@ -1,7 +1,6 @@
 #pragma once
-// What the shift methods share: how they find and read their grid files, the
-// point forms around a computation on plain numbers, and what they raise
-// where their mathematics is not carried yet.
+// What the shift methods share: how they find and read their grid files, and
+// the point forms around a computation on plain numbers.
 #include <velmora/foundation/ParameterCollection.h>
 #include <velmora/measures/CoordPoints.h>
 
@@ -32,9 +31,6 @@ bool ReadWhole(std::FILE * file, std::vector<unsigned char> & bytes);
 
 // Code 31 at `location` while any parameter is unset.
 void RequireParameters(CParameterCollection const & parameters, char const * location);
-
-// Code 50 at `location`: the method exists, its computation does not yet.
-[[noreturn]] void NotCarried(char const * location, CString const & classType);
 
 // The point forms: a height takes part only when `in` has one, and `out`
 // receives as many numbers as it holds.

@@ -306,7 +306,12 @@ void CMolodensky::Shift(double & lon, double & lat, double * height, bool forwar
   RequireParameters(GetParameters(), "CMolodensky::Shift");
   if (m_nullShift)
     return;
+  Formula(lon, lat, height, forward, m_dx, m_dy, m_dz);
+}
 
+void CMolodensky::Formula(double & lon, double & lat, double * height, bool forward, double tx, double ty,
+                          double tz) const
+{
   if (DB::CDataSource::GetCartographicFlag() && std::fabs(std::fabs(lat) - 90.0) < kPoleNudge) {
     if (lat > 90.0 || (lat >= -90.0 && lat < 0.0))
       lat += kPoleNudge;
@@ -315,7 +320,7 @@ void CMolodensky::Shift(double & lon, double & lat, double * height, bool forwar
   }
 
   double const sign = forward ? 1.0 : -1.0;
-  double const dx = sign * m_dx, dy = sign * m_dy, dz = sign * m_dz;
+  double const dx = sign * tx, dy = sign * ty, dz = sign * tz;
   CS::BEllipsoid const & from = forward ? SrcEllipsoid(*this) : DestEllipsoid(*this);
   CS::BEllipsoid const & to = forward ? DestEllipsoid(*this) : SrcEllipsoid(*this);
 

@@ -145,6 +145,9 @@ public:
 
 protected:
   explicit CMolodensky(CString const & typeName) : TDatumShift(typeName) {}
+  // The formula itself with translations (metres) from source to
+  // destination; `forward` false runs it from the destination with them negated.
+  void Formula(double & lon, double & lat, double * height, bool forward, double tx, double ty, double tz) const;
   bool ShiftSrcToDest(double & lon, double & lat) const override;
   bool ShiftSrcToDest(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out) const override;
   bool ShiftDestToSrc(double & lon, double & lat) const override;

@@ -6,6 +6,7 @@
 #include <velmora/transforms/datumshifts/GridShifts.h>
 
 #include "../../support/ReferenceData.h"
+#include "../../support/ShiftReference.h"
 #include "../../support/TestSupport.h"
 
 #include <algorithm>
@@ -46,23 +47,6 @@ std::unique_ptr<CNadcon> Nadcon(std::string const & las, std::string const & los
   p.SetString(CString("los_name"), CString(QString::fromStdString(los)));
   p.SetString(CString("type"), CString(type));
   return shift;
-}
-
-// Forward rows to `forward`, and the largest gap of the back direction from
-// PROJ's inverse.
-double ExpectAgreesWithProj(CDatumShift const & shift, std::string const & rows, double forward)
-{
-  double worstBack = 0.0;
-  for (std::vector<double> const & r : ReadRows(rows, 6)) {
-    double lon = r[0], lat = r[1];
-    shift.ShiftForward(lon, lat);
-    EXPECT_NEAR(lon, r[2], forward) << rows << " at " << r[0] << " " << r[1];
-    EXPECT_NEAR(lat, r[3], forward) << rows << " at " << r[0] << " " << r[1];
-    lon = r[0], lat = r[1];
-    shift.ShiftBack(lon, lat);
-    worstBack = std::max({worstBack, std::fabs(lon - r[4]), std::fabs(lat - r[5])});
-  }
-  return worstBack;
 }
 
 } // namespace
