@@ -83,7 +83,7 @@ ML::CEnvelope const * EnvelopeHandleOf(CSerializableDataDB const & body)
 
 bool MatchesEpsg(CSerializableDataDB const * body, void * text)
 {
-  return body->GetIssuerCode(kEPSG).compare(*static_cast<QString const *>(text), Qt::CaseInsensitive) == 0;
+  return IssuerCode(*body, kEPSG).compare(*static_cast<QString const *>(text), Qt::CaseInsensitive) == 0;
 }
 
 } // namespace
@@ -210,8 +210,12 @@ CDataSourceCategoryListItem * CDataSourceDialog::FindFolderRow(long groupId, EOb
 {
   // Opens the folders on the way down so that the row exists.
   std::vector<long> path;
-  for (long id = groupId; id > 1; id = GetDataSource()->GetParentGroupID(id, type))
+  // Up to the kind's own top folder: the shared parents of several kinds have no row.
+  for (long id = groupId; id > 1; id = GetDataSource()->GetParentGroupID(id, type)) {
     path.insert(path.begin(), id);
+    if (DB::CDataSource::IsPrimaryGroupID(id))
+      break;
+  }
   QTreeWidgetItem * parent = nullptr;
   CDataSourceCategoryListItem * found = nullptr;
   for (long id : path) {
@@ -253,7 +257,7 @@ void CDataSourceDialog::SelectDefault()
         for (QTreeWidgetItem * p = folder->parent(); p; p = p->parent())
           p->setExpanded(true);
         categoryListView->setCurrentItem(folder);
-        CString const code = body->GetIssuerCode(kVM);
+        CString const code = IssuerCode(*body, kVM);
         for (int i = 0; i < objectsListView->topLevelItemCount(); ++i) {
           auto * row = static_cast<CDetailListItem *>(objectsListView->topLevelItem(i));
           if (row->GetInfo().GetCode() == code) {
@@ -326,7 +330,7 @@ bool CDataSourceDialog::Accepts(CSerializableDataDB const & body) const
   if (body.IsMarkedDeleted())
     return false;
   if (!m_include.empty() || !m_exclude.empty()) {
-    CString const code = body.GetIssuerCode(kVM);
+    CString const code = IssuerCode(body, kVM);
     if (!m_include.empty() && std::find(m_include.begin(), m_include.end(), code) == m_include.end())
       return false;
     if (std::find(m_exclude.begin(), m_exclude.end(), code) != m_exclude.end())
@@ -357,7 +361,7 @@ void CDataSourceDialog::SetColumns(EObjectType type)
 
 QStringList CDataSourceDialog::RowTexts(CSerializableDataDB const & body) const
 {
-  QStringList texts{body.GetName(), body.GetIssuerCode(kEPSG)};
+  QStringList texts{body.GetName(), IssuerCode(body, kEPSG)};
   int const columns = objectsListView->columnCount();
   if (columns <= 2)
     return texts;
@@ -387,7 +391,7 @@ void CDataSourceDialog::ShowBodies(std::vector<CSerializableDataDB *> const & bo
   for (CSerializableDataDB * body : bodies) {
     if (!Accepts(*body))
       continue;
-    DB::CObjectInfo const info(body->GetName(), kVM, body->GetIssuerCode(kVM), body->GetGroupID());
+    DB::CObjectInfo const info(body->GetName(), kVM, IssuerCode(*body, kVM), body->GetGroupID());
     auto * row = new CDetailListItem(nullptr, body->GetObjectType(), info);
     QStringList const texts = RowTexts(*body);
     for (int i = 0; i < texts.size(); ++i)
@@ -495,7 +499,7 @@ void CDataSourceDialog::BuildFindIndex()
   m_findIndex.clear();
   for (EObjectType kind : FilterTypes())
     for (CSerializableDataDB * body : GetDataSource()->SearchDB(kind))
-      m_findIndex.push_back({body, body->GetName(), body->GetIssuerCode(kEPSG)});
+      m_findIndex.push_back({body, body->GetName(), IssuerCode(*body, kEPSG)});
 }
 
 void CDataSourceDialog::OnFilterTextChanged(QString const & text)
@@ -638,7 +642,7 @@ void CDataSourceDialog::SaveHistory() const
 
 void CDataSourceDialog::AddRecent(CSerializable const & object)
 {
-  QString const code = object.GetIssuerCode(kVM);
+  QString const code = IssuerCode(object, kVM);
   // One entry per object: the key joins issuer and code.
   QString const key = QStringLiteral("%1|%2").arg(kVM, code);
   std::erase_if(m_recent, [&](RecentEntry const & e) { return QStringLiteral("%1|%2").arg(e.issuer, e.code) == key; });

@@ -1,5 +1,7 @@
 #include <velmora/dialogs/DialogTypes.h>
 
+#include <velmora/foundation/CIdentifierCollection.h>
+
 #include <QMessageBox>
 #include <QSettings>
 #include <QWidget>
@@ -30,11 +32,30 @@ void RestoreGeometry(QWidget & window, QString const & stem)
   window.move(settings.value(stem + ".X").toInt(), settings.value(stem + ".Y").toInt());
 }
 
+namespace {
+QString CodeIn(CIdentifierCollection const & identifiers, char const * issuer)
+{
+  auto const & items = identifiers.Items();
+  auto const it = items.find(CString(issuer));
+  return it == items.end() ? QString() : QString(it->second);
+}
+} // namespace
+
+QString IssuerCode(CSerializableData const & object, char const * issuer)
+{
+  return CodeIn(object.GetIdentifiers(), issuer);
+}
+
+QString IssuerCode(CSerializable const & object, char const * issuer)
+{
+  return CodeIn(object.GetIdentifiers(), issuer);
+}
+
 QString NextFreeCode(DB::CDataSource const & source, long type)
 {
   long long largest = 0;
   for (CSerializableDataDB * body : source.SearchDB(type))
-    largest = std::max(largest, body->GetIssuerCode("VM").toLongLong());
+    largest = std::max(largest, IssuerCode(*body, "VM").toLongLong());
   return QString::number(largest + 1);
 }
 

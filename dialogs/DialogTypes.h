@@ -4,6 +4,7 @@
 #include <velmora/datasource/CDataSource.h>
 #include <velmora/datasource/DataSourceInfo.h>
 #include <velmora/foundation/CSerializable.h>
+#include <velmora/foundation/CSerializableData.h>
 
 #include <QString>
 
@@ -34,6 +35,10 @@ inline constexpr char kSettingsOrganisation[] = "Tarnwell";
 // Window geometry under "<stem>.Width", ".Height", ".X", ".Y".
 VELMORA_API void SaveGeometry(QWidget const & window, QString const & stem);
 VELMORA_API void RestoreGeometry(QWidget & window, QString const & stem);
+
+// The object's code of an issuer; empty where it has none.
+VELMORA_API QString IssuerCode(CSerializableData const & object, char const * issuer);
+VELMORA_API QString IssuerCode(CSerializable const & object, char const * issuer);
 
 // One above the largest numeric "VM" code of the kind: the code of a new object.
 VELMORA_API QString NextFreeCode(DB::CDataSource const & source, long type);

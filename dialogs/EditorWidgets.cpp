@@ -204,7 +204,7 @@ void ObjectSelectWidget::SetObject(CSerializable const * object)
   }
   nameEdit->setText(object->GetName());
   m_issuer = CString("VM");
-  m_code = object->GetIssuerCode(m_issuer);
+  m_code = IssuerCode(*object, "VM");
 }
 
 void ObjectSelectWidget::SetReadOnly(bool readOnly) { chooseButton->setEnabled(!readOnly); }
