@@ -1,5 +1,6 @@
 #include <velmora/dialogs/EditorForm.h>
 
+#include <velmora/foundation/CIdentifierCollection.h>
 #include <velmora/foundation/VelmoraException.h>
 #include <velmora/measures/CoordPoints.h>
 #include <velmora/measures/Envelope.h>
@@ -151,7 +152,7 @@ void CEditorForm::CreateNewObject(DB::CObjectNodeTag * tag)
   object->SetName("New " + m_source->GetTypeName(type));
   object->SetRemarks(CString());
   object->SetIdentifiers(CIdentifierCollection());
-  object->GetIdentifiers().SetItem(CString(kVM), CString(code));
+  object->GetIdentifiers().Add(CString(kVM), CString(code));
   object->SetGroupID(m_groupId);
   m_type = type;
   m_object = std::move(object);
@@ -617,7 +618,13 @@ void CEditorForm::objectWidget_changedName(QString const & name) { m_object->Set
 void CEditorForm::objectWidget_changedRemarks(QString const & remarks) { m_object->SetRemarks(remarks); }
 void CEditorForm::objectWidget_changedCode(QString const & issuer, QString const & code)
 {
-  m_object->GetIdentifiers().SetItem(issuer, code);
+  CIdentifierCollection & identifiers = m_object->GetIdentifiers();
+  if (code.isEmpty())
+    identifiers.Remove(issuer);
+  else if (identifiers.Exists(issuer))
+    identifiers.SetItem(issuer, code);
+  else
+    identifiers.Add(issuer, code);
 }
 
 void CEditorForm::auWidget_changedAbbreviation(QString const & text) { As<ML::CAngularUnit>()->SetAbbreviation(text); }

@@ -397,8 +397,11 @@ void ParameterTable::SetParameters(CParameterCollection const & parameters, int 
         value = Number(parameters.GetLinearValue(name).GetValue(), precision);
         units = parameters.GetLinearValue(name).GetUnits().GetName();
         break;
+      case CParameter::kDouble:
+        value = Number(parameters.GetDouble(name), precision);
+        break;
       default:
-        value = Number(parameters.GetItemInternal(name), precision);
+        break;
       }
     }
     setItem(static_cast<int>(i), 1, new QTableWidgetItem(value));
@@ -441,6 +444,8 @@ void ParameterizedClassWidget::SetClass(QString const & classType, CParameterCol
 void ParameterizedClassWidget::SetReadOnly(bool readOnly)
 {
   classCombo->setEnabled(!readOnly);
+  for (UnitsTableButton * cell : parameters->findChildren<UnitsTableButton *>())
+    cell->button->setEnabled(!readOnly);
   parameters->setEditTriggers(readOnly ? QAbstractItemView::NoEditTriggers : QAbstractItemView::AllEditTriggers);
 }
 
