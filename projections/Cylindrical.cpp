@@ -121,8 +121,11 @@ bool CMercator::FromPlane(double & x, double & y) const
   if (!GetParameters().AllItemsSet() || !m_ready)
     return false;
   double const t = std::exp(-(y - m_fn) * m_psiPerY);
-  y = Kernel::LatitudeFromT({m_e, m_eatanhe, m_eatanheTerms}, t, kIterationTolerance, kMercatorRounds) /
-      kRadiansPerDegree;
+  // On a sphere the iteration's first value is the latitude.
+  double const phi = m_e == 0.0 ? kHalfPi - 2.0 * std::atan(t)
+                                : Kernel::LatitudeFromT({m_e, m_eatanhe, m_eatanheTerms}, t, kIterationTolerance,
+                                                        kMercatorRounds);
+  y = phi / kRadiansPerDegree;
   x = ((x - m_fe) / m_ak0 + m_cm) / kRadiansPerDegree;
   return true;
 }

@@ -47,10 +47,11 @@ constexpr double kAuthalicSeriesInverse = 1.5e-8;
 // 3.8e-9 degree even on a sphere); the equal-area cylinder's inverse is a
 // series to e^6 (1.4e-8 degree), Cassini-Soldner's the registry's reverse
 // series, not quite the inverse of its forward one (1.2e-6 degree at 5
-// degrees from the central meridian, 6e-9 over the registry's areas), and
+// degrees from the central meridian, 7.4e-8 over the registry's areas), and
 // the polyconic's and Bonne's arcs series to e^6 against PROJ's to e^8.
 constexpr double kMercatorInverse = 4e-8;
 constexpr double kSeriesInverse = 1.5e-8;
+constexpr double kCassiniInverse = 1e-7;
 constexpr double kBonneInverse = 5e-8;
 // Krovak's inverse stops the same way: 1.14e-8 degree measured over the
 // Czech and Slovak grids. Laborde's follows the registry's complex form
@@ -70,7 +71,9 @@ inline double InverseTolerance(std::string const & method)
     return kAuthalicSeriesInverse;
   if (method == "9804" || method == "9805" || method == "1024" || method == "1026")
     return kMercatorInverse;
-  if (method == "9806" || method == "9818" || method == "9835" || method == "9834")
+  if (method == "9806")
+    return kCassiniInverse;
+  if (method == "9818" || method == "9835" || method == "9834")
     return kSeriesInverse;
   return method == "9827" ? kBonneInverse : kInverseTolerance;
 }
