@@ -10,7 +10,7 @@
 #include <velmora/transforms/datumshifts/GridShifts.h>
 #include <velmora/vertical/OSGriddedData.h>
 
-#include <map>
+#include <unordered_map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -97,7 +97,7 @@ protected:
   bool ShiftDestToSrc(ML::CGeodeticPoint const & in, ML::CGeodeticPoint & out) const override;
 
 private:
-  using Mesh = std::map<long, std::pair<double, double>>; // code to (latitude, longitude) shift, seconds
+  using Mesh = std::unordered_map<long, std::pair<double, double>>; // code to (latitude, longitude) shift, seconds
 
   void Setup() const;
   // Adds the shift at the point.
