@@ -1,5 +1,6 @@
 #include <velmora/dialogs/DataBrowser.h>
 
+#include <velmora/datasource/sax/dbGroup.h>
 #include <velmora/foundation/VelmoraException.h>
 
 #include <QLayout>
@@ -10,31 +11,30 @@ namespace Velmora::QtDialogs {
 
 namespace {
 
-struct KindNames
+struct KindClass
 {
   EObjectType type;
-  char const * element;
   char const * className;
 };
-constexpr KindNames kKinds[] = {
-  {kObjectAngularUnit, "angularunit", "CAngularUnit"},
-  {kObjectLinearUnit, "linearunit", "CLinearUnit"},
-  {kObjectPrimeMeridian, "primemeridian", "CPrimeMeridian"},
-  {kObjectEllipsoid, "ellipsoid", "CEllipsoid"},
-  {kObjectHorizontalDatum, "horizontaldatum", "CHorizontalDatum"},
-  {kObjectDatumShift, "datumshift", "CDatumShift"},
-  {kObjectCartesianPoint, "cartesianpointstyle", "CCartesianPoint"},
-  {kObjectGeodeticPoint, "geodeticpointstyle", "CGeodeticPoint"},
-  {kObjectProjectedPoint, "projectedpointstyle", "CProjectedPoint"},
-  {kObjectEnvelope, "envelope", "CEnvelope"},
-  {kObjectVerticalReference, "verticalreference", "CVerticalReference"},
-  {kObjectVerticalDatum, "verticaldatum", "CVerticalDatum"},
-  {kObjectHeightModel, "heightmodel", "CHeightModel"},
-  {kObjectGeocentricCoordSys, "geocentriccoordsys", "CGeocentricCoordSys"},
-  {kObjectGeodeticCoordSys, "geodeticcoordsys", "CGeodeticCoordSys"},
-  {kObjectProjectedCoordSys, "projectedcoordsys", "CProjectedCoordSys"},
-  {kObjectFittedCoordSys, "fittedcoordsys", "CFittedCoordSys"},
-  {kObjectCoordTransform, "coordtransform", "CCoordTransform"},
+constexpr KindClass kClasses[] = {
+  {kObjectAngularUnit, "CAngularUnit"},
+  {kObjectLinearUnit, "CLinearUnit"},
+  {kObjectPrimeMeridian, "CPrimeMeridian"},
+  {kObjectEllipsoid, "CEllipsoid"},
+  {kObjectHorizontalDatum, "CHorizontalDatum"},
+  {kObjectDatumShift, "CDatumShift"},
+  {kObjectCartesianPoint, "CCartesianPoint"},
+  {kObjectGeodeticPoint, "CGeodeticPoint"},
+  {kObjectProjectedPoint, "CProjectedPoint"},
+  {kObjectEnvelope, "CEnvelope"},
+  {kObjectVerticalReference, "CVerticalReference"},
+  {kObjectVerticalDatum, "CVerticalDatum"},
+  {kObjectHeightModel, "CHeightModel"},
+  {kObjectGeocentricCoordSys, "CGeocentricCoordSys"},
+  {kObjectGeodeticCoordSys, "CGeodeticCoordSys"},
+  {kObjectProjectedCoordSys, "CProjectedCoordSys"},
+  {kObjectFittedCoordSys, "CFittedCoordSys"},
+  {kObjectCoordTransform, "CCoordTransform"},
 };
 
 // Every kind the store holds: the browser shows them all.
@@ -165,15 +165,12 @@ void CDataBrowser::SetTitleBarCaption(CString const & caption) { m_dialog->SetTi
 
 CString CDataBrowser::GetClassElementName(EObjectType type)
 {
-  for (KindNames const & kind : kKinds)
-    if (kind.type == type)
-      return CString(kind.element);
-  return CString();
+  return CString(DB::SAX::dbGroup::SingularElement(type));
 }
 
 CString CDataBrowser::GetClassNameA(EObjectType type)
 {
-  for (KindNames const & kind : kKinds)
+  for (KindClass const & kind : kClasses)
     if (kind.type == type)
       return CString(kind.className);
   return CString();

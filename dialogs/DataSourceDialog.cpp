@@ -34,6 +34,7 @@ constexpr char kRecentSection[] = "Velmora/Qt/ObjectHistory";
 constexpr char kMostRecentCategory[] = "/Velmora/Qt/MostRecentCategory";
 // How many searches and picked objects the history keeps.
 constexpr int kHistoryLength = 20;
+constexpr int kNameColumnWidth = 320;
 // Item data of a search entry: its text and column.
 constexpr int kSearchTextRole = Qt::UserRole;
 constexpr int kSearchColumnRole = Qt::UserRole + 1;
@@ -357,6 +358,8 @@ void CDataSourceDialog::SetColumns(EObjectType type)
   }
   objectsListView->setColumnCount(static_cast<int>(columns.size()));
   objectsListView->setHeaderLabels(columns);
+  // Names are the longest texts; a width from the contents would cost a pass over every row.
+  objectsListView->setColumnWidth(0, kNameColumnWidth);
 }
 
 QStringList CDataSourceDialog::RowTexts(CSerializableDataDB const & body) const

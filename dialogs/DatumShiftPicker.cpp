@@ -6,6 +6,7 @@
 #include <velmora/transforms/datumshifts/DatumShiftCollection.h>
 
 #include <QComboBox>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
@@ -148,6 +149,7 @@ void CDatumShiftPicker::OnCategorySelected()
     }
     objectsListView->addTopLevelItem(row);
   }
+  objectsListView->header()->resizeSections(QHeaderView::ResizeToContents);
   if (objectsListView->topLevelItemCount() > 0)
     objectsListView->setCurrentItem(objectsListView->topLevelItem(0));
   OnObjectSelected();

@@ -78,6 +78,7 @@ CObjectBrowserDialogBase::CObjectBrowserDialogBase(QWidget * parent, char const 
   split->addWidget(right);
   split->setStretchFactor(0, 1);
   split->setStretchFactor(1, 3);
+  split->setSizes({260, 640});
 
   auto * buttons = new QVBoxLayout;
   for (QPushButton * b : {newObjectButton, editObjectButton, viewObjectButton, copyObjectButton, deleteObjectButton})

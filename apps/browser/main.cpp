@@ -18,7 +18,7 @@ namespace {
 QString ShippedDataFile()
 {
   QDir const here(QCoreApplication::applicationDirPath());
-  for (QString const relative : {QStringLiteral("../share/velmora/velmora.xml"), QStringLiteral("../data/velmora.xml")})
+  for (QString const & relative : {QStringLiteral("../share/velmora/velmora.xml"), QStringLiteral("../data/velmora.xml")})
     if (QFileInfo const file(here.filePath(relative)); file.isFile())
       return file.canonicalFilePath();
   return QString();
