@@ -95,7 +95,7 @@ public:
 
 private:
   double m_twoRk0 = 0.0; // 2 R k0
-  double m_n = 0.0, m_c = 0.0;
+  double m_n = 0.0;
   double m_halfLogC = 0.0; // ln(c)/2
   double m_sinChi0 = 0.0, m_cosChi0 = 1.0, m_lam0 = 0.0, m_phi0 = 0.0;
   double m_e = 0.0, m_fe = 0.0, m_fn = 0.0;

@@ -201,7 +201,7 @@ public:
 
 private:
   double m_e = 0.0, m_B = 0.0, m_t0 = 0.0, m_lnT0 = 0.0, m_n = 0.0, m_r0 = 0.0, m_rFactor = 0.0;
-  double m_sinAlpha = 0.0, m_cosAlpha = 1.0, m_tanPseudo = 0.0;
+  double m_sinAlpha = 0.0, m_cosAlpha = 1.0;
   double m_lambda0 = 0.0, m_fe = 0.0, m_fn = 0.0;
   double eatanhe[32] = {};
   int eatanheTerms = 0;

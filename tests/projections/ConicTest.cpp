@@ -1,6 +1,6 @@
 // The conics on their published worked examples and at the edges of their
 // domain: the pole, and the convergence and scale kept by a conversion.
-#include "../support/ProjectionExamples.h"
+#include "../support/ReferenceData.h"
 #include "../support/TestSupport.h"
 
 #include <velmora/projections/Conic.h>

@@ -2,7 +2,7 @@
 // examples and at the edges of their domain: the poles, with the data
 // source's cartographic flag on and off, Miller beyond the pole, and the
 // branches of the polyconic, Cassini and Bonne at the equator and the pole.
-#include "../support/ProjectionExamples.h"
+#include "../support/ReferenceData.h"
 
 #include <velmora/datasource/CDataSource.h>
 #include <velmora/foundation/Constants.h>
@@ -68,7 +68,7 @@ TEST(Cylindrical, PublishedExamples)
 TEST(Cylindrical, PolesClampOrPassAsConfigured)
 {
   auto datum = MakeDatum(6378137, 298.257223563);
-  auto mercator = Make(CProjection::kMercator, datum.get(),
+  auto mercator = MakeProjection(CProjection::kMercator, datum.get(),
                        {{"central_meridian", 0}, {"latitude_of_origin", 0}, {"scale_factor", 1},
                         {"false_easting", 0}, {"false_northing", 0}});
   auto northing = [&](double lat) {
@@ -87,7 +87,7 @@ TEST(Cylindrical, PolesClampOrPassAsConfigured)
   EXPECT_GT(northing(89.99999999), clamped);
   EXPECT_EQ(northing(-90.0), -northing(90.0));
 
-  auto miller = Make(CProjection::kMillerCylindrical, datum.get(),
+  auto miller = MakeProjection(CProjection::kMillerCylindrical, datum.get(),
                      {{"central_meridian", 0}, {"spherical_radius", 6371000}, {"false_easting", 0},
                       {"false_northing", 0}});
   double const edge = 1.5707 / Velmora::Constants::kRadiansPerDegree;
@@ -107,7 +107,7 @@ TEST(Cylindrical, EquatorAndPoleBranches)
   auto datum = MakeDatum(6378206.4, 294.9786982);
   Parameters const origin = {{"central_meridian", -54}, {"latitude_of_origin", 20}, {"false_easting", 1000},
                              {"false_northing", 2000}};
-  auto polyconic = Make(CProjection::kPolyconic, datum.get(), origin);
+  auto polyconic = MakeProjection(CProjection::kPolyconic, datum.get(), origin);
   double x = -50, y = 0;
   ASSERT_TRUE(polyconic->ToPlane(x, y));
   EXPECT_NEAR(x, 1000 + 6378206.4 * 4 * Velmora::Constants::kRadiansPerDegree, 1e-6);
@@ -115,13 +115,13 @@ TEST(Cylindrical, EquatorAndPoleBranches)
   EXPECT_EQ(y, 0.0);
   EXPECT_NEAR(x, -50, 1e-12);
 
-  auto cassini = Make(CProjection::kCassini, datum.get(), origin);
+  auto cassini = MakeProjection(CProjection::kCassini, datum.get(), origin);
   x = -10;
   y = 90;
   ASSERT_TRUE(cassini->ToPlane(x, y));
   EXPECT_EQ(x, 1000.0);
 
-  auto bonne = Make(CProjection::kBonne, datum.get(), origin);
+  auto bonne = MakeProjection(CProjection::kBonne, datum.get(), origin);
   x = 30;
   y = 90;
   ASSERT_TRUE(bonne->ToPlane(x, y));

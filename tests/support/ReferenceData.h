@@ -207,22 +207,6 @@ inline void ExpectReference(Velmora::CS::PJ::CProjection & p, std::string const 
   EXPECT_LE(worst.roundTrip, degrees) << name;
 }
 
-// Degrees from degrees, minutes and seconds, all taking the sign of the degrees.
-inline double Dms(double d, double m, double s) { return d < 0 ? d - m / 60 - s / 3600 : d + m / 60 + s / 3600; }
-
-// A projection's parameters by name, in degrees, metres or plain numbers.
-using Parameters = std::vector<std::pair<char const *, double>>;
-
-inline std::unique_ptr<Velmora::CS::PJ::CProjection> MakeProjection(Velmora::CS::PJ::CProjection::Type type,
-                                                                    Velmora::CS::CHorizontalDatum * datum,
-                                                                    Parameters const & parameters)
-{
-  std::unique_ptr<Velmora::CS::PJ::CProjection> p(Velmora::CS::PJ::CProjectionFactory::CreateProjection(type, datum));
-  for (auto const & [name, value] : parameters)
-    SetParameter(*p, name, value);
-  return p;
-}
-
 // A published worked example: the point both ways within half its last printed digit.
 struct Example
 {
