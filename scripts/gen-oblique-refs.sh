@@ -21,23 +21,7 @@
 # Park-Miller generator in awk, up to `spread` degrees from that centre.
 # The output is committed; run this again only to change it.
 # Usage: scripts/gen-oblique-refs.sh [out-dir]
-set -euo pipefail
-root=$(cd "$(dirname "$0")/.." && pwd)
-out=${1:-$root/tests/data}
-mkdir -p "$out"
-command -v cct > /dev/null || { echo "missing cct (proj-bin)" >&2; exit 1; }
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-
-# Figures: name a rf.
-declare -A A RF
-A[grs80]=6378137;            RF[grs80]=298.257222101
-A[wgs84]=6378137;            RF[wgs84]=298.257223563
-A[clarke1866]=6378206.4;     RF[clarke1866]=294.978698213898
-A[intl1924]=6378388;         RF[intl1924]=297
-A[bessel1841]=6377397.155;   RF[bessel1841]=299.1528128
-A[everest1967]=6377298.556;  RF[everest1967]=300.8017
-A[grs67]=6378160;            RF[grs67]=298.247167427
+. "$(dirname "$0")/refs-common.sh"
 
 # Points around a centre: seed lon lat spread -> "lon lat" lines.
 points() {

@@ -20,6 +20,8 @@ A[clarke1880ign]=6378249.2; RF[clarke1880ign]=293.466021293627
 A[krassowsky]=6378245;     RF[krassowsky]=298.3
 A[clarke1858]=6378293.645; RF[clarke1858]=294.26067636926
 A[everest1830]=6377276.345; RF[everest1830]=300.8017
+A[everest1967]=6377298.556; RF[everest1967]=300.8017
+A[grs67]=6378160;          RF[grs67]=298.247167427
 A[sphere]=6371000;         RF[sphere]=0
 A[webmerc]=6378137;        RF[webmerc]=0
 
