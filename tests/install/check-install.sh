@@ -14,8 +14,8 @@ prefix=$work/prefix
 "$cmake_cmd" --install "$build_dir" --prefix "$prefix" > "$work/install.log"
 test -f "$prefix/include/velmora/velmora.h"
 
-# Every installed header compiles on its own.
-qt_flags=$(pkg-config --cflags Qt6Core)
+# Every installed header compiles on its own (the dialogs' with Qt Widgets).
+qt_flags=$(pkg-config --cflags Qt6Core Qt6Widgets)
 for h in $(cd "$prefix/include" && find velmora -name '*.h'); do
   echo "#include <$h>" | g++ -std=c++20 -fPIC -fsyntax-only -x c++ - -I"$prefix/include" $qt_flags
 done
