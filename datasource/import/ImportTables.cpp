@@ -281,7 +281,7 @@ AliasRow const kAliases[] = {
   {P::kLoximuthal, {"Loximuthal"}},
   {P::kMcBrydeThomasFlatPolarQuartic,
    {"McBrydeThomasFlatPolarQuartic", "McBryde_Thomas_Flat_Polar_Quartic", "Flat_Polar_Quartic"}},
-  {P::kMercator, {"Mercator_1SP", "Mercator"}},
+  {P::kMercator, {"Mercator_1SP", "Mercator", "Mercator_2SP"}},
   {P::kMilitaryGridReferenceSystem, {"MilitaryGridReferenceSystem", "Military_Grid_Reference_System"}},
   {P::kMillerCylindrical, {"Miller_Cylindrical"}},
   {P::kMollweide, {"Mollweide"}},
